@@ -1,0 +1,161 @@
+/* quillfn.h: the Fortran 90 intrinsic procedures for compiled code, 32-bit x86 Linux.
+ *
+ * The records below are binary: compiled code fills them and the library reads
+ * and writes them in place, so names, order and widths are fixed. Usable from
+ * C99 and C++. docs/calling.md explains the records and works through a call. */
+#ifndef QUILLFN_QUILLFN_H
+#define QUILLFN_QUILLFN_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#define QUILLFN_EXPORT __attribute__((visibility("default")))
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Records -------------------------------------------------------------- */
+
+enum {
+    /* Most dimensions that an array can have. */
+    f90_MaxRank = 7,
+    /* In a bound or step of a section, or a lower bound of f90_CreateArray: the default. */
+    f90_DefaultBound = -2147483647 - 1
+};
+
+/* One dimension: its subscripts run from Lower to Upper (empty when Upper is
+ * less than Lower); neighbours lie Stride x SCALEFACTOR bytes apart. */
+typedef struct f90_DimInfo {
+    int32_t Lower;
+    int32_t Upper;
+    int32_t Stride;
+} f90_DimInfo;
+
+/* An array. A descriptor of lower rank may be shorter: the library touches the
+ * first RANK dimensions only. The element with subscripts s lies at
+ * ZERO + SCALEFACTOR x (s[0] x Dim[0].Stride + s[1] x Dim[1].Stride + ...). */
+typedef struct f90_ArrDesc {
+    void *ZERO;                   /* where the element with all subscripts 0 would lie */
+    void *BASE;                   /* first element; null for a missing or empty section */
+    int32_t EXTENT;               /* number of elements */
+    int32_t ELSIZE;               /* bytes of one element */
+    int32_t SCALEFACTOR;          /* bytes of one unit of Stride */
+    int8_t RANK;                  /* number of dimensions, 0 to 7 */
+    uint8_t NONCONTIG;            /* 0: the elements are one dense run from BASE, in order */
+    uint8_t Reserved[2];          /* written 0 by the creators, read by nobody */
+    f90_DimInfo Dim[f90_MaxRank]; /* Dim[0] varies fastest */
+} f90_ArrDesc;
+
+/* One argument. Word0 holds the address of a descriptor or of a string, or a
+ * 32-bit value; Word1 the length of a string. */
+typedef struct f90_Slot {
+    uintptr_t Word0;
+    uintptr_t Word1;
+} f90_Slot;
+
+/* The argument record of an array intrinsic. */
+typedef struct f90_ArgList {
+    uint16_t Shape;    /* the compiler's own; only printed */
+    uint16_t Presence; /* bit 0: Result exists; bits 1 to 4: Arg1 to Arg4 are present */
+    uint32_t Flags;    /* bit 0: check shapes and sizes */
+    f90_Slot Result;
+    f90_Slot Arg1;
+    f90_Slot Arg2;
+    f90_Slot Arg3;
+    f90_Slot Arg4;
+} f90_ArgList;
+
+/* One dimension of a section of an array. Lower, Upper and Stride may each be
+ * f90_DefaultBound: the array's own bound, or a step of 1. */
+typedef struct f90_SectionDim {
+    int32_t Kind; /* 1: the single subscript Lower; 3: the triplet Lower:Upper:Stride */
+    int32_t Lower;
+    int32_t Upper;
+    int32_t Stride; /* not 0 */
+} f90_SectionDim;
+
+/* An array intrinsic: reads its arguments from the record, answers through it. */
+typedef void f90_Intrinsic(f90_ArgList *arguments);
+
+/* ---- Storage -------------------------------------------------------------- */
+
+/* Storage of results and temporaries. The library calls both through its
+ * symbol table, so a program that defines them supplies its own. The library's
+ * own are malloc and free; f90_getspace gives a valid address for 0 bytes too
+ * and ends the process, with a message and status 1, when there is no storage. */
+QUILLFN_EXPORT void *f90_getspace(size_t bytes);
+QUILLFN_EXPORT void f90_freespace(void *space);
+
+/* ---- Arrays --------------------------------------------------------------- */
+
+/* Non-zero: f90_ElemAddr checks subscripts, and two int32_t words, the lowest
+ * valid offset and one more than the highest, stand ahead of every descriptor
+ * that f90_CreateArrayM, f90_CreateArray and f90_CreateSection fill: reserve 8
+ * bytes there. The library only reads it. */
+extern QUILLFN_EXPORT int32_t f90_SubscriptChecking;
+
+/* Completes a descriptor of which RANK, ELSIZE and each Lower and Upper are
+ * set: a dense array in storage from f90_getspace, which the caller owns. */
+QUILLFN_EXPORT void f90_CreateArrayM(f90_ArrDesc *array);
+
+/* The same from rank pairs (lower, upper) in bounds; only a lower bound may be
+ * f90_DefaultBound, which stands for 1. */
+QUILLFN_EXPORT void f90_CreateArray(int32_t rank, const int32_t *bounds, int32_t elsize,
+                                    f90_ArrDesc *array);
+
+/* Describes a section of a dense array in *section; it shares the storage.
+ * specs holds one record per dimension of parent. Triplets are clipped to the
+ * bounds; a single subscript out of bounds gives an empty section. */
+QUILLFN_EXPORT void f90_CreateSection(const f90_ArrDesc *parent, const f90_SectionDim *specs,
+                                      f90_ArrDesc *section);
+
+/* Address of the element with the given subscripts, one int32_t per dimension. */
+QUILLFN_EXPORT void *f90_ElemAddr(const f90_ArrDesc *array, ...);
+
+/* Address of element number index, from 0, of a dense array. Checks nothing. */
+QUILLFN_EXPORT void *f90_ElemAddrContig(const f90_ArrDesc *array, int32_t index);
+
+/* Walk over all elements, the first dimension fastest: the address of the first
+ * and of each next element, null at the end. One walk at a time in a process. */
+QUILLFN_EXPORT void *f90_FirstElemAddr(const f90_ArrDesc *array);
+QUILLFN_EXPORT void *f90_NextElemAddr(void);
+
+/* Print a record on standard output, for debugging. */
+QUILLFN_EXPORT void f90_PrintArgList(const f90_ArgList *list);
+QUILLFN_EXPORT void f90_PrintArrDesc(const f90_ArrDesc *array);
+
+/* ---- Errors --------------------------------------------------------------- */
+
+/* Writes message number of the intrinsic name to standard error and ends the
+ * process with status 1. The values follow in the order of the message's
+ * placeholders: int32_t, const f90_ArrDesc *, or const int32_t * (a count and
+ * that many extents). */
+QUILLFN_EXPORT __attribute__((noreturn)) void f90_ArrLibError(const char *name, int32_t number,
+                                                              ...);
+
+/* ---- Reductions ----------------------------------------------------------- */
+
+/* ALL(MASK, DIM), ANY(MASK, DIM): Arg1 MASK, Arg2 DIM; by bytes of a logical. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_all1, f90_all2, f90_all4, f90_all8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_any1, f90_any2, f90_any4, f90_any8;
+
+/* COUNT(MASK, DIM): Arg1 MASK, Arg2 DIM; by bytes of a logical of MASK. The
+ * result is a 32-bit integer, of the k forms a 64-bit integer. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_count1, f90_count2, f90_count4, f90_count8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_kcount1, f90_kcount2, f90_kcount4, f90_kcount8;
+
+/* SUM(ARRAY, DIM, MASK), PRODUCT(ARRAY, DIM, MASK): Arg1 ARRAY, Arg2 DIM, Arg3
+ * MASK (32-bit words); by type: integer, real, complex, and bytes of a value. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_sumi1, f90_sumi2, f90_sumi4, f90_sumi8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_sumr4, f90_sumr8, f90_sumr10, f90_sumr16;
+extern QUILLFN_EXPORT f90_Intrinsic f90_sumc8, f90_sumc16, f90_sumc20, f90_sumc32;
+extern QUILLFN_EXPORT f90_Intrinsic f90_prodi1, f90_prodi2, f90_prodi4, f90_prodi8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_prodr4, f90_prodr8, f90_prodr10, f90_prodr16;
+extern QUILLFN_EXPORT f90_Intrinsic f90_prodc8, f90_prodc16, f90_prodc20, f90_prodc32;
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

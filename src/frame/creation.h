@@ -1,0 +1,23 @@
+// Creation of results: what a family writes into the descriptor before
+// f90_CreateArrayM completes it.
+#pragma once
+
+#include "frame/records.h"
+
+namespace quill {
+
+// Creates the result of a reduction along dimension `left_out` of the first
+// `rank` dimensions of array, lower bounds 1. A left_out that names no dimension
+// creates the first rank - 1; its report follows.
+inline void create_without(f90_ArrDesc &result, const f90_ArrDesc &array, int rank, int left_out,
+                           std::int32_t elsize) {
+    result.RANK = static_cast<std::int8_t>(rank - 1);
+    result.ELSIZE = elsize;
+    for (int i = 0; i < rank - 1; ++i) {
+        result.Dim[i].Lower = 1;
+        result.Dim[i].Upper = extent(array.Dim[left_out < 0 ? i : kept_dimension(i, left_out)]);
+    }
+    f90_CreateArrayM(&result);
+}
+
+} // namespace quill

@@ -1,0 +1,53 @@
+// Real kind 16: the storage record of a binary128 value and the operations that
+// the families use on it. The arithmetic is the compiler's own, rounding to
+// nearest; the record exists because the compiler's type demands an alignment
+// that arrays of compiled code do not have.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+namespace quill {
+
+// Four words, low first: the high one holds the sign in bit 31, the exponent in
+// bits 30 to 16 and the top of the fraction.
+struct Quad {
+    std::uint32_t words[4];
+
+    Quad() = default;
+    Quad(__float128 number) { std::memcpy(words, &number, sizeof words); }
+    // Exact, as every value of these types is.
+    explicit Quad(double number) : Quad(static_cast<__float128>(number)) {}
+    explicit Quad(long long number) : Quad(static_cast<__float128>(number)) {}
+    explicit Quad(short number) : Quad(static_cast<double>(number)) {}
+    explicit Quad(int number) : Quad(static_cast<double>(number)) {}
+    explicit Quad(long number) : Quad(static_cast<double>(number)) {}
+
+    operator __float128() const {
+        __float128 number;
+        std::memcpy(&number, words, sizeof number);
+        return number;
+    }
+    // Rounded to nearest.
+    explicit operator double() const { return static_cast<double>(__float128(*this)); }
+
+    Quad &operator+=(const Quad &other) { return *this = __float128(*this) + __float128(other); }
+    Quad &operator-=(const Quad &other) { return *this = __float128(*this) - __float128(other); }
+    Quad &operator*=(const Quad &other) { return *this = __float128(*this) * __float128(other); }
+    Quad &operator/=(const Quad &other) { return *this = __float128(*this) / __float128(other); }
+};
+static_assert(sizeof(Quad) == 16 && alignof(Quad) == 4);
+
+// The value nearest to a decimal literal, which may end in the letter L. The
+// program's locale plays no part.
+Quad string_to_fp128(const char *literal);
+
+// Whether a < b and less, or a > b and greater, or a == b and equal; an
+// unordered pair is none of the three.
+int _compare_fp(const Quad &a, const Quad &b, const int &less, const int &greater,
+                const int &equal);
+
+// x times 2 to the power n, correctly rounded where the result is subnormal.
+Quad ldexpq(Quad x, int n);
+
+} // namespace quill
