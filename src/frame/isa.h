@@ -45,16 +45,14 @@ run_avx512(Arguments... arguments) {
     return Kernel::template run<64>(arguments...);
 }
 
-// Kernel::run<width of a vector in bytes>(arguments...) with the widest set.
+// Kernel::run<width of a vector in bytes>(arguments...) with the widest set that
+// the processor has and Kernel::widest allows.
 template <class Kernel, class... Arguments> auto run_vectorised(Arguments... arguments) {
-    switch (widest_isa()) {
-    case Isa::Avx512:
-        return run_avx512<Kernel>(arguments...);
-    case Isa::Avx2:
-        return run_avx2<Kernel>(arguments...);
-    default:
-        return run_sse2<Kernel>(arguments...);
-    }
+    const Isa isa = widest_isa();
+    if constexpr (Kernel::widest >= Isa::Avx512)
+        if (isa >= Isa::Avx512) return run_avx512<Kernel>(arguments...);
+    if (isa >= Isa::Avx2) return run_avx2<Kernel>(arguments...);
+    return run_sse2<Kernel>(arguments...);
 }
 
 } // namespace quill

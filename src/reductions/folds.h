@@ -41,6 +41,7 @@ typename Fold::Accumulator absorb_lanes(typename Fold::Accumulator accumulator,
 // Adjacent elements of a reorderable fold, in vectors of Width bytes, four at a
 // time; what is left goes to the next narrower width.
 template <class Fold> struct DenseFold {
+    static constexpr Isa widest = Isa::Avx512;
     using Element = typename Fold::Element;
     using Accumulator = typename Fold::Accumulator;
 
@@ -107,6 +108,7 @@ typename Fold::Accumulator fold_run(typename Fold::Accumulator accumulator, Cons
 // Adjacent elements of a reorderable fold beside adjacent MASK words: an element
 // that does not count is replaced by the start value.
 template <class Fold> struct DenseMaskedFold {
+    static constexpr Isa widest = Isa::Avx512;
     using Element = typename Fold::Element;
     using Accumulator = typename Fold::Accumulator;
 
@@ -177,8 +179,11 @@ struct RunBatch {
 };
 
 // Runs whose elements are neighbours: `width` accumulators advance together, in
-// vectors as wide as the compiler makes them, each in its own order.
+// vectors as wide as the compiler makes them, each in its own order. Not beyond
+// AVX2: AVX-512 has multiply-add of its own, into which GCC fuses the products of
+// complex numbers even where contraction is off.
 template <class Fold, bool masked> struct AdjacentFold {
+    static constexpr Isa widest = Isa::Avx2;
     using Element = typename Fold::Element;
     using Accumulator = typename Fold::Accumulator;
 

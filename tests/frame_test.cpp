@@ -1,0 +1,372 @@
+// The call frame: creation, sections, addresses, the walk, the debug prints and
+// the reporter; and the quad layer of the host.
+#include "host/quad.h"
+#include "support.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace test;
+
+// A descriptor with the two words that subscript checking wants ahead of it.
+struct Guarded {
+    std::int32_t subscript_min = -77;
+    std::int32_t subscript_end = -77;
+    f90_ArrDesc array = {};
+};
+static_assert(offsetof(Guarded, array) == 8);
+
+struct SubscriptChecking {
+    SubscriptChecking() { f90_SubscriptChecking = 1; }
+    ~SubscriptChecking() { f90_SubscriptChecking = 0; }
+};
+
+std::ptrdiff_t distance(const void *from, const void *to) {
+    return static_cast<const char *>(to) - static_cast<const char *>(from);
+}
+
+// ---- Creation ---------------------------------------------------------------
+
+TEST(Creation, FillsTheDescriptor) {
+    const std::int32_t bounds[] = {3, 7, -1, 1};
+    Guarded guarded;
+    f90_ArrDesc &a = guarded.array;
+    a.NONCONTIG = a.Reserved[0] = a.Reserved[1] = 9;
+    f90_CreateArray(2, bounds, 8, &a);
+    EXPECT_EQ(a.EXTENT, 15);
+    EXPECT_EQ(a.SCALEFACTOR, 8);
+    EXPECT_EQ(a.Dim[0].Stride, 1);
+    EXPECT_EQ(a.Dim[1].Stride, 5);
+    EXPECT_EQ(a.NONCONTIG + a.Reserved[0] + a.Reserved[1], 0);
+    EXPECT_EQ(distance(a.BASE, a.ZERO), 16);
+    EXPECT_EQ(guarded.subscript_min, -77) << "checking is off";
+    EXPECT_EQ(guarded.subscript_end, -77);
+    std::memset(a.BASE, 1, 120);
+    f90_freespace(a.BASE);
+}
+
+TEST(Creation, EmptyAndScalar) {
+    const SubscriptChecking on;
+    Guarded empty;
+    const std::int32_t bounds[] = {5, 3, f90_DefaultBound, 4};
+    f90_CreateArray(2, bounds, 4, &empty.array);
+    EXPECT_EQ(empty.array.Dim[0].Upper, 4);
+    EXPECT_EQ(empty.array.Dim[1].Lower, 1);
+    EXPECT_EQ(empty.array.Dim[1].Stride, 0);
+    EXPECT_EQ(empty.array.EXTENT, 0);
+    EXPECT_EQ(empty.array.ZERO, empty.array.BASE);
+    EXPECT_EQ(empty.subscript_min, 0);
+    EXPECT_EQ(empty.subscript_end, 0);
+    f90_freespace(empty.array.BASE);
+
+    Guarded single;
+    f90_CreateArray(0, nullptr, 8, &single.array);
+    EXPECT_EQ(single.array.EXTENT, 1);
+    EXPECT_EQ(single.array.ZERO, single.array.BASE);
+    EXPECT_EQ(single.subscript_min, 0);
+    EXPECT_EQ(single.subscript_end, 1);
+    f90_freespace(single.array.BASE);
+}
+
+TEST(Creation, RefusesWhatNoAddressHolds) {
+    for (const std::int32_t extent : {65536, 0x7FFFFFFF}) {
+        const std::int32_t bounds[] = {1, extent, 1, extent};
+        f90_ArrDesc a = {};
+        EXPECT_EQ(fatal_message([&] { f90_CreateArray(2, bounds, 16, &a); }),
+                  "f90_getspace: no storage for 4294967295 bytes.\n");
+    }
+}
+
+// ---- Sections ---------------------------------------------------------------
+
+struct SectionCase {
+    f90_SectionDim spec;
+    std::int32_t upper;
+    std::int32_t stride;
+    std::int32_t first; // subscript in the parent of the first element; 0: empty
+};
+
+TEST(Section, ClipsTriplets) {
+    constexpr std::int32_t by_default = f90_DefaultBound;
+    const SectionCase cases[] = {
+        {{3, 2, 9, 3}, 3, 3, 2},
+        {{3, 10, 1, -4}, 3, -4, 10},
+        {{3, -2, 10, 2}, 5, 2, 2},
+        {{3, -3, 10, 2}, 5, 2, 1},
+        {{3, 15, -9, -3}, 3, -3, 9},
+        {{3, by_default, by_default, by_default}, 10, 1, 1},
+        {{3, by_default, 4, by_default}, 4, 1, 1},
+        {{3, 7, 3, 2}, 0, 2, 0},
+        {{3, 3, 7, -1}, 0, -1, 0},
+        {{3, -2147483647, 2147483647, 2147483647}, 0, 2147483647, 0},
+    };
+    std::int16_t storage[10] = {};
+    f90_ArrDesc parent = shaped({10}, 2);
+    parent.BASE = storage;
+    for (const SectionCase &c : cases) {
+        f90_ArrDesc s = {};
+        f90_CreateSection(&parent, &c.spec, &s);
+        SCOPED_TRACE(c.spec.Lower);
+        EXPECT_EQ(s.RANK, 1);
+        EXPECT_EQ(s.NONCONTIG, 1);
+        EXPECT_EQ(s.EXTENT, c.upper);
+        EXPECT_EQ(s.Dim[0].Lower, 1);
+        EXPECT_EQ(s.Dim[0].Upper, c.upper);
+        EXPECT_EQ(s.Dim[0].Stride, c.stride);
+        if (c.first == 0) {
+            EXPECT_EQ(s.BASE, nullptr);
+            EXPECT_EQ(s.ZERO, nullptr);
+        } else {
+            EXPECT_EQ(s.BASE, storage + c.first - 1);
+            EXPECT_EQ(f90_ElemAddr(&s, 1), s.BASE);
+        }
+    }
+}
+
+// Random sections of a random parent, walked and compared with their subscripts.
+TEST(Section, WalkVisitsTheElements) {
+    const SubscriptChecking on;
+    Random random(random_seed());
+    for (int round = 0; round < random_rounds(2000); ++round) {
+        const int rank = pick(random, 0, 7);
+        Guarded parent;
+        std::vector<std::int32_t> bounds;
+        for (int i = 0; i < rank; ++i) {
+            bounds.push_back(pick(random, -3, 3));
+            bounds.push_back(bounds.back() + pick(random, 0, rank > 4 ? 2 : 6));
+        }
+        f90_CreateArray(rank, bounds.data(), 4, &parent.array);
+        std::vector<f90_SectionDim> specs;
+        Shape shape;
+        std::vector<std::vector<std::int32_t>> subscripts; // of the parent, per dimension
+        bool empty = false;
+        for (int i = 0; i < rank; ++i) {
+            const std::int32_t lo = bounds[2U * unsigned(i)], hi = bounds[2U * unsigned(i) + 1];
+            f90_SectionDim spec = {pick(random, 0, 3) == 0 ? 1 : 3, pick(random, lo - 3, hi + 3),
+                                   pick(random, lo - 3, hi + 3), pick(random, 1, 3)};
+            if (pick(random, 0, 1) == 0) spec.Stride = -spec.Stride;
+            std::vector<std::int32_t> members;
+            if (spec.Kind == 1) {
+                spec.Lower = pick(random, lo, hi + (pick(random, 0, 9) == 0 ? 1 : 0));
+                empty = empty || spec.Lower > hi;
+                members = {spec.Lower};
+            } else {
+                for (std::int32_t s = spec.Lower;
+                     spec.Stride > 0 ? s <= spec.Upper : s >= spec.Upper; s += spec.Stride)
+                    if (lo <= s && s <= hi) members.push_back(s);
+                shape.push_back(std::int32_t(members.size()));
+            }
+            specs.push_back(spec);
+            subscripts.push_back(members);
+        }
+        Guarded section;
+        f90_CreateSection(&parent.array, specs.data(), &section.array);
+        std::vector<void *> expected;
+        std::size_t total = empty ? 0 : 1;
+        for (const auto &members : subscripts) total *= members.size();
+        for (std::size_t n = 0; n < total; ++n) {
+            auto *address = static_cast<std::int32_t *>(parent.array.BASE);
+            std::size_t rest = n;
+            for (std::size_t i = 0; i < subscripts.size(); ++i) {
+                address += (subscripts[i][rest % subscripts[i].size()] - bounds[2 * i]) *
+                           parent.array.Dim[i].Stride;
+                rest /= subscripts[i].size();
+            }
+            expected.push_back(address);
+        }
+        std::vector<void *> visited;
+        for (void *e = f90_FirstElemAddr(&section.array); e != nullptr; e = f90_NextElemAddr())
+            visited.push_back(e);
+        ASSERT_EQ(visited, expected);
+        ASSERT_EQ(section.array.EXTENT, std::int32_t(total));
+        ASSERT_EQ(std::size_t(section.array.RANK), shape.size());
+        ASSERT_TRUE(total != 0 || (section.subscript_min | section.subscript_end) == 0);
+        ASSERT_EQ(f90_NextElemAddr(), nullptr);
+        f90_freespace(parent.array.BASE);
+    }
+}
+
+TEST(Section, SubscriptsAreCheckedBySum) {
+    const SubscriptChecking on;
+    const std::int32_t bounds[] = {2, 3, 1, 2};
+    Guarded a;
+    f90_CreateArray(2, bounds, 4, &a.array);
+    EXPECT_EQ(a.subscript_min, 4);
+    EXPECT_EQ(a.subscript_end, 8);
+    EXPECT_EQ(distance(a.array.BASE, f90_ElemAddr(&a.array, 4, 1)), 8);
+    EXPECT_EQ(f90_ElemAddrContig(&a.array, 3), f90_ElemAddr(&a.array, 3, 2));
+    const char *const message = "f90_ElemAddr: Bad subscript.\n";
+    EXPECT_EQ(fatal_message([&] { f90_ElemAddr(&a.array, 1, 1); }), message);
+    EXPECT_EQ(fatal_message([&] { f90_ElemAddr(&a.array, 4, 2); }), message);
+    f90_freespace(a.array.BASE);
+}
+
+// ---- Prints -----------------------------------------------------------------
+
+TEST(Prints, AreByteExact) {
+    f90_ArgList list = {0x8001, 0x9003, 0xFF, {1, 2}, {3, 4}, {5, 6}, {7, 8}, {0xABCDEF01, 9}};
+    EXPECT_EQ(in_child([&] { f90_PrintArgList(&list); }).out,
+              "- ARGUMENT LIST -      Presence:ffff9003    Shape:ffff8001   Flags:000000ff\n"
+              "- Result:  00000001 00000002\n"
+              "- ARG 1:   00000003 00000004    ARG 2:   00000005 00000006\n"
+              "- ARG 3:   00000007 00000008    ARG 4:   abcdef01 00000009\n");
+
+    f90_ArrDesc a = shaped({4, 3}, 8);
+    char text[200];
+    std::snprintf(text, sizeof text, "- ARRAY DESCRIPTOR     %p\n", static_cast<void *>(&a));
+    EXPECT_EQ(in_child([&] { f90_PrintArrDesc(&a); }).out,
+              text + std::string("- ZERO:00000000  BASE:00000000 -->  NOT PRESENT\n"
+                                 "- EXTENT:12     ELSIZE:8    SCALEFACTOR:8\n"
+                                 "- RANK:2  NONCONTIG:0  1(1 4 1) 2(1 3 4) \n-\n"));
+    unsigned char bytes[32] = {0x7F, 0x80};
+    a.BASE = bytes;
+    a.RANK = 0;
+    const std::string out = in_child([&] { f90_PrintArrDesc(&a); }).out;
+    std::string expected = "7fffffff80";
+    for (int i = 0; i < 30; ++i) expected += "00";
+    EXPECT_NE(out.find(" --> " + expected + "\n- EXTENT:12 "), std::string::npos) << out;
+}
+
+// ---- The reporter -----------------------------------------------------------
+
+TEST(Reporter, PrintsEveryPlaceholder) {
+    f90_ArrDesc matrix = shaped({3, 0}, 4);
+    f90_ArrDesc single = scalar(nullptr, 4);
+    const std::int32_t expected_shape[] = {2, -3, 4};
+    const std::int32_t no_shape[] = {0};
+    EXPECT_EQ(fatal_message([&] { f90_ArrLibError("SUM", 2, &matrix, expected_shape); }),
+              "ERROR calling the intrinsic subprogram SUM:\n"
+              " The RESULT array has shape:    (3, 0).\n"
+              " The shape of RESULT should be: (-3, 4).\n");
+    EXPECT_EQ(fatal_message([&] { f90_ArrLibError("CSHIFT", 3, &single, no_shape); }),
+              "ERROR calling the intrinsic subprogram CSHIFT:\n"
+              " The SHIFT array has shape:    (SCALAR).\n"
+              " The shape of SHIFT should be: (SCALAR).\n");
+    std::int32_t numbers[] = {1, 2, 3, 4, 5};
+    f90_ArrDesc vector = shaped({3}, 4);
+    vector.BASE = numbers;
+    vector.Dim[0] = {-1, 1, 2};
+    vector.ZERO = numbers + 2;
+    const std::string head = "ERROR calling the intrinsic subprogram RESHAPE:\n"
+                             " The ORDER argument should be a permutation of the integers 1 to 3.\n"
+                             " The contents of the ORDER argument array is: ";
+    const auto report = [&] { f90_ArrLibError("RESHAPE", 7, 3, &vector); };
+    EXPECT_EQ(fatal_message(report), head + "(1, 3, 5).\n");
+    vector.EXTENT = 0;
+    EXPECT_EQ(fatal_message(report), head + "(EMPTY).\n");
+    vector.RANK = 0;
+    EXPECT_EQ(fatal_message(report), head + "(SCALAR).\n");
+}
+
+// A digest of the whole table: each name with the number of its last message and
+// a word of that message's own.
+TEST(Reporter, FindsEveryName) {
+    const struct {
+        const char *name;
+        int last;
+        const char *words;
+    } names[] = {
+        {"ALL", 2, "shape of RESULT"},
+        {"ANY", 2, "shape of RESULT"},
+        {"COUNT", 2, "shape of RESULT"},
+        {"CSHIFT", 3, "shape of SHIFT"},
+        {"DATEANDTIME", 3, "rank 7 array"},
+        {"DOT_PRODUCT", 1, "argument VECTOR_B is: (2)"},
+        {"EOSHIFT", 4, "shape of SHIFT"},
+        {"MATMUL", 3, "shape of RESULT"},
+        {"MAXLOC", 4, "DIM parameter"},
+        {"MAXVAL", 3, "shape of RESULT"},
+        {"MINLOC", 4, "DIM parameter"},
+        {"MINVAL", 3, "shape of RESULT"},
+        {"MVBITS", 2, "TOPOS has"},
+        {"PACK", 3, "RESULT array has size 7"},
+        {"PRODUCT", 3, "ARRAY and MASK"},
+        {"REPEAT", 2, "RESULT character string"},
+        {"RESHAPE", 7, "ORDER"},
+        {"SPREAD", 2, "shape of RESULT"},
+        {"SUM", 3, "ARRAY and MASK"},
+        {"TRANSFER", 2, "RESULT array has size 7"},
+        {"TRANSPOSE", 1, "shape of RESULT"},
+        {"TRIM", 1, "RESULT character string has length 7"},
+        {"UNPACK", 3, "VECTOR has size 7"},
+    };
+    std::int32_t numbers[] = {0, 1, 2};
+    f90_ArrDesc vector = shaped({2}, 4);
+    vector.ZERO = numbers;
+    const std::int32_t shape[] = {1, 2};
+    for (const auto &entry : names) {
+        const std::string words = entry.words;
+        const bool by_shape = words.find("shape of") == 0;
+        const bool by_arrays =
+            words.find("MASK") != std::string::npos || words.find("VECTOR_B") != std::string::npos;
+        const std::string message = fatal_message([&] {
+            if (by_shape) f90_ArrLibError(entry.name, entry.last, &vector, shape);
+            if (by_arrays) f90_ArrLibError(entry.name, entry.last, &vector, &vector);
+            if (words == "ORDER") f90_ArrLibError(entry.name, entry.last, 7, &vector);
+            f90_ArrLibError(entry.name, entry.last, 7, 8, 9);
+        });
+        EXPECT_EQ(message.find("ERROR calling the intrinsic subprogram " + std::string(entry.name) +
+                               ":\n "),
+                  0U);
+        EXPECT_NE(message.find(words), std::string::npos) << message;
+    }
+    for (const char *unknown : {"KOUNT", "KMAXLOC", "KMINLOC", "KRESHAPE", "KTRANSFER"})
+        EXPECT_EQ(fatal_message([&] { f90_ArrLibError(unknown, 1, 0, 0); }),
+                  std::string(
+                      "ERROR calling the error handler by the\n intrinsic subprogram, signed by ") +
+                      unknown + ".\n");
+}
+
+// ---- Kind 16 ----------------------------------------------------------------
+
+using quill::Quad;
+
+std::string words(const Quad &q) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%08X %08X %08X %08X", q.words[3], q.words[2], q.words[1],
+                  q.words[0]);
+    return text;
+}
+
+TEST(Quad, ReadsItsLiterals) {
+    EXPECT_EQ(words(quill::string_to_fp128("0.0L")), "00000000 00000000 00000000 00000000");
+    EXPECT_EQ(words(quill::string_to_fp128("1.0")), "3FFF0000 00000000 00000000 00000000");
+    EXPECT_EQ(words(quill::string_to_fp128("5192296858534827628530496329220096.0")),
+              "406F0000 00000000 00000000 00000000");
+    EXPECT_EQ(words(quill::string_to_fp128("-1.1897314953572317650857593266280070162E+4932L")),
+              "FFFEFFFF FFFFFFFF FFFFFFFF FFFFFFFF");
+}
+
+TEST(Quad, ComputesAndCompares) {
+    Quad q(2147483647);
+    EXPECT_EQ(static_cast<double>(q), 2147483647.0);
+    q *= Quad(-0x7FFFFFFFFFFFFFFFLL);
+    q /= Quad(2147483647L);
+    q += Quad(1.0);
+    q -= Quad(short{-1});
+    EXPECT_EQ(words(q), words(Quad(-0x7FFFFFFFFFFFFFFDLL)));
+    const Quad nan(std::nan(""));
+    const Quad one(1), two(2);
+    const struct {
+        Quad a, b;
+        int less, greater, equal; // the answer under each flag alone
+    } cases[] = {{one, two, 1, 0, 0},
+                 {two, one, 0, 1, 0},
+                 {one, one, 0, 0, 1},
+                 {nan, one, 0, 0, 0},
+                 {nan, nan, 0, 0, 0}};
+    for (const auto &c : cases) {
+        EXPECT_EQ(quill::_compare_fp(c.a, c.b, 1, 0, 0), c.less);
+        EXPECT_EQ(quill::_compare_fp(c.a, c.b, 0, 1, 0), c.greater);
+        EXPECT_EQ(quill::_compare_fp(c.a, c.b, 0, 0, 1), c.equal);
+        EXPECT_EQ(quill::_compare_fp(c.a, c.b, 1, 0, 1), c.less | c.equal);
+        EXPECT_EQ(quill::_compare_fp(c.a, c.b, 0, 0, 0), 0);
+    }
+    EXPECT_EQ(words(quill::ldexpq(Quad(3), 16382)), "7FFE8000 00000000 00000000 00000000");
+    EXPECT_EQ(words(quill::ldexpq(Quad(3), -16495)), "00000000 00000000 00000000 00000002")
+        << "ties to even";
+}
+
+} // namespace

@@ -1,0 +1,289 @@
+// SUM and PRODUCT of every type against folds written out here: one accumulator,
+// elements in array element order, kind 4 in double.
+#include "support.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace {
+
+using namespace test;
+
+struct Sum {};
+struct Product {};
+
+// A type of the language: Value in arithmetic and its place in storage, where the
+// first `used` bytes of each of its `parts` hold it.
+template <class T, class Accumulator, int Storage, int Used, f90_Intrinsic *sum,
+          f90_Intrinsic *product>
+struct Plain {
+    using Value = Accumulator;
+    static constexpr int storage = Storage, parts = 1, part = Storage, used = Used;
+    static f90_Intrinsic *entry(Sum) { return sum; }
+    static f90_Intrinsic *entry(Product) { return product; }
+
+    static Value get(const std::byte *at) {
+        T value{};
+        std::memcpy(static_cast<void *>(&value), at, Used);
+        return static_cast<Value>(value);
+    }
+    static void put(std::byte *at, Value value) {
+        const T stored = static_cast<T>(value);
+        std::memcpy(at, &stored, Used);
+    }
+    static Value random(Random &random) {
+        if constexpr (std::numeric_limits<T>::is_integer) return static_cast<Value>(random());
+        return static_cast<Value>(static_cast<T>(pick(random, 500, 1500)) /
+                                  static_cast<T>(pick(random, 0, 1) == 0 ? 1000 : -1000));
+    }
+    static Value start(Sum) { return 0; }
+    static Value start(Product) { return 1; }
+    static Value step(Sum, Value a, Value x) { return static_cast<Value>(a + x); }
+    static Value step(Product, Value a, Value x) { return static_cast<Value>(a * x); }
+};
+
+template <class Part, f90_Intrinsic *sum, f90_Intrinsic *product> struct Complex {
+    struct Value {
+        typename Part::Value re, im;
+    };
+    static constexpr int storage = 2 * Part::storage, parts = 2, part = Part::part,
+                         used = Part::used;
+    static f90_Intrinsic *entry(Sum) { return sum; }
+    static f90_Intrinsic *entry(Product) { return product; }
+
+    static Value get(const std::byte *at) { return {Part::get(at), Part::get(at + part)}; }
+    static void put(std::byte *at, Value z) {
+        Part::put(at, z.re);
+        Part::put(at + part, z.im);
+    }
+    static Value random(Random &random) { return {Part::random(random), Part::random(random)}; }
+    static Value start(Sum) { return {0, 0}; }
+    static Value start(Product) { return {1, 0}; }
+    static Value step(Sum, Value a, Value z) { return {a.re + z.re, a.im + z.im}; }
+    static Value step(Product, Value a, Value z) {
+        return {a.re * z.re - a.im * z.im, a.re * z.im + a.im * z.re};
+    }
+};
+
+using I1 = Plain<std::uint8_t, std::uint32_t, 1, 1, f90_sumi1, f90_prodi1>;
+using I2 = Plain<std::uint16_t, std::uint32_t, 2, 2, f90_sumi2, f90_prodi2>;
+using I4 = Plain<std::uint32_t, std::uint32_t, 4, 4, f90_sumi4, f90_prodi4>;
+using I8 = Plain<std::uint64_t, std::uint64_t, 8, 8, f90_sumi8, f90_prodi8>;
+using R4 = Plain<float, double, 4, 4, f90_sumr4, f90_prodr4>;
+using R8 = Plain<double, double, 8, 8, f90_sumr8, f90_prodr8>;
+using R10 = Plain<long double, long double, 12, 10, f90_sumr10, f90_prodr10>;
+using R16 = Plain<__float128, __float128, 16, 16, f90_sumr16, f90_prodr16>;
+using C8 = Complex<R4, f90_sumc8, f90_prodc8>;
+using C16 = Complex<R8, f90_sumc16, f90_prodc16>;
+using C20 = Complex<R10, f90_sumc20, f90_prodc20>;
+using C32 = Complex<R16, f90_sumc32, f90_prodc32>;
+
+template <class T> bool same_value(const std::byte *a, const std::byte *b) {
+    for (int p = 0; p < T::parts; ++p)
+        if (std::memcmp(a + p * T::part, b + p * T::part, T::used) != 0) return false;
+    return true;
+}
+
+// ---- Random calls -----------------------------------------------------------
+
+enum class MaskKind { None, Array, True, False };
+
+Array random_mask(Random &random, const Shape &shape, MaskKind kind) {
+    if (kind == MaskKind::True || kind == MaskKind::False) {
+        Array mask = make_array(random, {}, 4, Layout::Dense);
+        write(mask.at(0), kind == MaskKind::True ? 0x80000000U : 0U);
+        return mask;
+    }
+    Array mask = make_array(random, shape, 4, any_layout(random));
+    const int quarters = pick(random, 0, 4);
+    for (std::size_t i = 0; i < mask.size(); ++i)
+        write(mask.at(i), pick(random, 1, 4) <= quarters ? 1U << pick(random, 0, 31) : 0U);
+    return mask;
+}
+
+template <class T, class Operation>
+std::vector<typename T::Value> naive(Operation operation, Array &array, int dim, MaskKind kind,
+                                     Array &mask) {
+    const Shape result = dim == 0 ? Shape{} : without(array.shape, dim);
+    std::vector<typename T::Value> values(elements(result), T::start(operation));
+    for (std::size_t i = 0; i < array.size() && kind != MaskKind::False; ++i) {
+        if (kind == MaskKind::Array && read<std::uint32_t>(mask.at(i)) == 0) continue;
+        auto &value = values[result_index(array.shape, dim, i)];
+        value = T::step(operation, value, T::get(array.at(i)));
+    }
+    return values;
+}
+
+// Any shape, layout, DIM and MASK; the result given or created.
+template <class T, class Operation> void try_random_call(Random &random, Operation operation) {
+    const Shape shape = random_shape(random);
+    const int rank = int(shape.size());
+    const int unit = T::storage >= 8 && pick(random, 0, 2) == 0 ? 4 : 0;
+    Array array = make_array(random, shape, T::storage, any_layout(random), unit);
+    for (std::size_t i = 0; i < array.size(); ++i) T::put(array.at(i), T::random(random));
+    const auto kind = static_cast<MaskKind>(pick(random, 0, 5) % 4);
+    Array mask = random_mask(random, shape, kind);
+    const int dim = pick(random, 0, rank);
+    const bool create = dim != 0 && pick(random, 0, 1) == 0;
+    Array result = make_array(random, dim == 0 ? Shape{} : without(shape, dim), T::storage,
+                              any_layout(random));
+    const std::vector<std::byte> before = result.storage;
+    f90_ArrDesc created = {};
+
+    Call call;
+    call.checked().array(1, array.descriptor);
+    if (dim != 0) call.value(2, dim);
+    if (kind != MaskKind::None) call.array(3, mask.descriptor);
+    create ? call.created_result(created) : call.result(result.descriptor);
+    call(T::entry(operation));
+
+    SCOPED_TRACE("rank " + std::to_string(rank) + ", DIM " + std::to_string(dim) + ", mask kind " +
+                 std::to_string(int(kind)) + ", elements " + std::to_string(array.size()));
+    const auto expected = naive<T>(operation, array, dim, kind, mask);
+    for (std::size_t r = 0; r < expected.size(); ++r) {
+        std::byte wanted[T::storage];
+        T::put(wanted, expected[r]);
+        const std::byte *got =
+            create ? static_cast<std::byte *>(created.BASE) + r * T::storage : result.at(r);
+        ASSERT_TRUE(same_value<T>(got, wanted)) << "result element " << r;
+    }
+    if (!create) {
+        ASSERT_EQ(strays(result, before, T::used, T::parts, T::part), "");
+        return;
+    }
+    ASSERT_EQ(created.RANK, rank - 1);
+    ASSERT_EQ(created.ELSIZE, T::storage);
+    for (int i = 0; i < rank - 1; ++i) {
+        ASSERT_EQ(created.Dim[i].Lower, 1);
+        ASSERT_EQ(created.Dim[i].Upper, result.shape[std::size_t(i)]);
+    }
+    f90_freespace(created.BASE);
+}
+
+template <class T> class NumericReduction : public testing::Test {};
+using Types = testing::Types<I1, I2, I4, I8, R4, R8, R10, R16, C8, C16, C20, C32>;
+struct TypeNames {
+    template <class> static std::string GetName(int i) {
+        const char *const names[] = {"i1",  "i2",  "i4", "i8",  "r4",  "r8",
+                                     "r10", "r16", "c8", "c16", "c20", "c32"};
+        return names[i];
+    }
+};
+TYPED_TEST_SUITE(NumericReduction, Types, TypeNames);
+
+TYPED_TEST(NumericReduction, AgreesWithNaiveFolds) {
+    Random random(random_seed());
+    for (int i = 0; i < random_rounds(800) && !this->HasFatalFailure(); ++i) {
+        try_random_call<TypeParam>(random, Sum{});
+        try_random_call<TypeParam>(random, Product{});
+    }
+}
+
+// ---- Literal cases ----------------------------------------------------------
+
+template <class T, std::size_t n>
+T folded(f90_Intrinsic *intrinsic, T (&elements)[n], std::int32_t stride = 1,
+         std::uint8_t noncontig = 0) {
+    f90_ArrDesc array = shaped({std::int32_t(n) / stride}, sizeof(T));
+    array.BASE = elements;
+    array.Dim[0].Stride = stride;
+    array.NONCONTIG = noncontig;
+    T value{};
+    f90_ArrDesc result = scalar(&value, sizeof(T));
+    Call().array(1, array).result(result)(intrinsic);
+    return value;
+}
+
+TEST(NumericReductionValues, IntegersWrapAtTheirWidth) {
+    std::uint8_t bytes[] = {0xC8, 0x64};
+    EXPECT_EQ(folded(f90_sumi1, bytes), 0x2C);
+    std::uint16_t words[] = {0xFFFF, 0xFFFF, 0xFFFF};
+    EXPECT_EQ(folded(f90_prodi2, words), 0xFFFF);
+}
+
+TEST(NumericReductionValues, Kind4AccumulatesInDouble) {
+    float summands[] = {1e8F, 1.0F, -1e8F};
+    EXPECT_EQ(folded(f90_sumr4, summands), 1.0F);
+    float factors[] = {1e30F, 1e30F, 1e-30F};
+    EXPECT_EQ(folded(f90_prodr4, factors), 1e30F);
+}
+
+TEST(NumericReductionValues, OnlyNoncontigBringsStrideIntoPlay) {
+    std::int32_t numbers[] = {1, 10, 100, 1000};
+    EXPECT_EQ(folded(f90_sumi4, numbers, 2, 0), 11);
+    EXPECT_EQ(folded(f90_sumi4, numbers, 2, 1), 101);
+}
+
+// ---- Checks -----------------------------------------------------------------
+
+const char header[] = "ERROR calling the intrinsic subprogram SUM:\n";
+const char wrong_dim[] = " The DIM parameter had a value of 3.\n"
+                         " Its value should be at least 1 and no larger than 2.\n";
+
+// SUM of a 3 x 4 array along dim, with a result and a mask of the given shapes.
+struct CheckedSum {
+    double element = 1;
+    double sum = 2;
+    std::uint32_t word = 1;
+    f90_ArrDesc array = shaped({3, 4}, 8);
+    f90_ArrDesc result;
+    f90_ArrDesc mask;
+    Call call;
+
+    CheckedSum(int dim, f90_ArrDesc result_shape, f90_ArrDesc mask_shape)
+        : result(result_shape), mask(mask_shape) {
+        array.BASE = &element;
+        result.BASE = &sum;
+        mask.BASE = &word;
+        call.checked().array(1, array).value(2, dim).result(result).array(3, mask);
+    }
+    std::string message() {
+        return fatal_message([this] { call(f90_sumr8); });
+    }
+};
+
+TEST(NumericReductionChecks, ReportInOrder) {
+    EXPECT_EQ(CheckedSum(3, shaped({9}, 8), shaped({9, 9}, 4)).message(),
+              std::string(header) + wrong_dim);
+    EXPECT_EQ(CheckedSum(2, shaped({9}, 8), shaped({9, 9}, 4)).message(),
+              std::string(header) + " The RESULT array has shape:    (9).\n"
+                                    " The shape of RESULT should be: (3).\n");
+    EXPECT_EQ(CheckedSum(1, shaped({4}, 8), shaped({3, 9}, 4)).message(),
+              std::string(header) + " Array arguments ARRAY and MASK should have the same shape.\n"
+                                    " The shape of argument ARRAY is: (3, 4).\n"
+                                    " The shape of argument MASK is:  (3, 9).\n");
+}
+
+TEST(NumericReductionChecks, ReportAfterCreatingTheResult) {
+    f90_ArrDesc array = shaped({3, 4}, 8);
+    f90_ArrDesc guarded[2] = {};
+    const auto call = [&] {
+        Call().checked().array(1, array).value(2, 3).created_result(guarded[0])(f90_prodr8);
+    };
+    EXPECT_EQ(fatal_message(call),
+              std::string("ERROR calling the intrinsic subprogram PRODUCT:\n") + wrong_dim);
+}
+
+TEST(NumericReductionChecks, ExtentsZeroAndOneAreEqual) {
+    f90_ArrDesc array = shaped({0, 2}, 4);
+    std::int32_t sums[2] = {7, 7};
+    f90_ArrDesc result = shaped({1}, 4);
+    result.BASE = sums;
+    Call().checked().array(1, array).value(2, 2).result(result)(f90_sumi4);
+    EXPECT_EQ(sums[0], 7) << "an empty kept dimension writes nothing";
+    EXPECT_EQ(sums[1], 7);
+}
+
+TEST(NumericReductionChecks, AreOffWithoutTheFlag) {
+    std::int32_t numbers[] = {1, 2, 3, 4};
+    std::int32_t sums[2] = {};
+    f90_ArrDesc array = shaped({2, 2}, 4);
+    array.BASE = numbers;
+    f90_ArrDesc result = shaped({9}, 4);
+    result.BASE = sums;
+    Call().array(1, array).value(2, 2).result(result)(f90_sumi4);
+    EXPECT_EQ(sums[0], 4);
+    EXPECT_EQ(sums[1], 6);
+}
+
+} // namespace

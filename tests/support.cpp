@@ -1,0 +1,215 @@
+// See support.h. Nothing here calls the library.
+#include "support.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <numeric>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace test {
+
+namespace {
+
+int from_environment(const char *name, int otherwise) {
+    const char *text = std::getenv(name);
+    return text == nullptr ? otherwise : std::atoi(text);
+}
+
+} // namespace
+
+unsigned random_seed() { return unsigned(from_environment("QUILLFN_SEED", 1)); }
+int random_rounds(int usual) { return usual * from_environment("QUILLFN_ROUNDS", 1); }
+
+// ---- Arrays -----------------------------------------------------------------
+
+std::size_t elements(const Shape &shape) {
+    return std::accumulate(
+        shape.begin(), shape.end(), std::size_t{1},
+        [](std::size_t n, std::int32_t extent) { return n * std::size_t(extent); });
+}
+
+Layout any_layout(Random &random) {
+    return pick(random, 0, 1) == 0 ? Layout::Dense : Layout::Spaced;
+}
+
+Array make_array(Random &random, const Shape &shape, int elsize, Layout layout, int unit) {
+    const bool spaced = layout == Layout::Spaced;
+    if (!spaced || unit == 0) unit = elsize;
+    Array array;
+    array.shape = shape;
+    f90_ArrDesc &d = array.descriptor;
+    d.RANK = static_cast<std::int8_t>(shape.size());
+    d.ELSIZE = elsize;
+    d.SCALEFACTOR = unit;
+    d.EXTENT = static_cast<std::int32_t>(elements(shape));
+    d.NONCONTIG = spaced || pick(random, 0, 3) == 0 ? 1 : 0;
+
+    std::ptrdiff_t lowest = 0; // bytes from the first element
+    std::ptrdiff_t highest = 0;
+    std::int32_t stride = elsize / unit;
+    for (std::size_t i = 0; i < shape.size(); ++i) {
+        if (spaced) stride += pick(random, 0, 2) * (elsize / unit) + (unit < elsize ? 1 : 0);
+        const bool backwards = spaced && pick(random, 0, 2) == 0;
+        const std::int32_t lower = pick(random, -5, 5);
+        d.Dim[i] = {lower, lower + shape[i] - 1, backwards ? -stride : stride};
+        const std::ptrdiff_t reach =
+            std::ptrdiff_t{d.Dim[i].Stride} * unit * std::max(shape[i] - 1, 0);
+        (reach < 0 ? lowest : highest) += reach;
+        if (shape[i] != 0 || !spaced) stride *= shape[i];
+    }
+    const int guard = 64;
+    const int shift =
+        std::min(elsize, 4) == 4 ? 4 * pick(random, 0, 15) : pick(random, 0, 15) * (elsize % 4);
+    array.storage.assign(static_cast<std::size_t>(highest - lowest + elsize + 3 * guard),
+                         std::byte{0xA5});
+    const std::ptrdiff_t first = guard + shift - lowest;
+
+    Shape subscripts(shape.size(), 0);
+    for (std::size_t n = 0; n < elements(shape); ++n) {
+        std::ptrdiff_t offset = first;
+        for (std::size_t i = 0; i < shape.size(); ++i)
+            offset += std::ptrdiff_t{subscripts[i]} * d.Dim[i].Stride * unit;
+        array.offsets.push_back(offset);
+        for (std::size_t i = 0; i < shape.size() && ++subscripts[i] == shape[i]; ++i)
+            subscripts[i] = 0;
+    }
+    // An empty array has no storage to point at.
+    d.BASE = array.size() == 0 ? nullptr : array.storage.data() + first;
+    std::uintptr_t zero = reinterpret_cast<std::uintptr_t>(d.BASE);
+    for (std::size_t i = 0; i < shape.size(); ++i)
+        zero -=
+            std::uintptr_t(d.Dim[i].Lower) * std::uintptr_t(d.Dim[i].Stride) * std::uintptr_t(unit);
+    d.ZERO = reinterpret_cast<void *>(zero);
+    return array;
+}
+
+Shape random_shape(Random &random, int lowest_rank) {
+    Shape shape(std::size_t(pick(random, lowest_rank, 7)));
+    const int most = shape.size() > 4 ? 3 : 6;
+    const int least = pick(random, 0, 3) == 0 ? 0 : 1;
+    for (auto &extent : shape) extent = pick(random, least, most);
+    if (shape.size() <= 3 && pick(random, 0, 1) == 0)
+        shape[std::size_t(pick(random, 0, int(shape.size()) - 1))] = pick(random, 0, 700);
+    return shape;
+}
+
+Shape without(const Shape &shape, int dim) {
+    Shape rest = shape;
+    rest.erase(rest.begin() + dim - 1);
+    return rest;
+}
+
+std::size_t result_index(const Shape &shape, int dim, std::size_t i) {
+    std::size_t index = 0;
+    std::size_t weight = 1;
+    for (std::size_t d = 0; dim != 0 && d < shape.size(); ++d) {
+        const auto extent = std::size_t(shape[d]);
+        if (int(d) != dim - 1) {
+            index += i % extent * weight;
+            weight *= extent;
+        }
+        i /= extent;
+    }
+    return index;
+}
+
+std::string strays(const Array &array, const std::vector<std::byte> &before, int used, int parts,
+                   int part) {
+    std::vector<std::byte> now = array.storage;
+    for (const std::ptrdiff_t offset : array.offsets)
+        for (int p = 0; p < parts; ++p)
+            std::copy_n(before.begin() + offset + p * part, used, now.begin() + offset + p * part);
+    const auto found = std::mismatch(now.begin(), now.end(), before.begin());
+    if (found.first == now.end()) return "";
+    return "byte " + std::to_string(found.first - now.begin()) + " of the storage was written";
+}
+
+f90_ArrDesc scalar(void *value, int elsize) {
+    f90_ArrDesc d = {};
+    d.ZERO = d.BASE = value;
+    d.EXTENT = 1;
+    d.ELSIZE = d.SCALEFACTOR = elsize;
+    return d;
+}
+
+f90_ArrDesc shaped(std::initializer_list<std::int32_t> extents, int elsize) {
+    f90_ArrDesc d = scalar(nullptr, elsize);
+    for (const std::int32_t extent : extents) {
+        d.Dim[d.RANK++] = {1, extent, d.EXTENT};
+        d.EXTENT *= extent;
+    }
+    return d;
+}
+
+// ---- Calls ------------------------------------------------------------------
+
+f90_Slot &Call::slot(int number) {
+    f90_Slot *const slots[] = {&list.Result, &list.Arg1, &list.Arg2, &list.Arg3, &list.Arg4};
+    return *slots[number];
+}
+
+Call &Call::array(int number, f90_ArrDesc &descriptor) {
+    slot(number).Word0 = reinterpret_cast<std::uintptr_t>(&descriptor);
+    list.Presence = static_cast<std::uint16_t>(list.Presence | 1U << number);
+    return *this;
+}
+
+Call &Call::result(f90_ArrDesc &given) { return array(0, given); }
+
+Call &Call::created_result(f90_ArrDesc &empty) {
+    array(0, empty);
+    list.Presence = static_cast<std::uint16_t>(list.Presence & ~1U);
+    return *this;
+}
+
+Call &Call::value(int number, std::int32_t value) {
+    slot(number) = {static_cast<std::uintptr_t>(value), 0xDEADBEEF};
+    list.Presence = static_cast<std::uint16_t>(list.Presence | 1U << number);
+    return *this;
+}
+
+Call &Call::checked() {
+    list.Flags = 1;
+    return *this;
+}
+
+// ---- Processes --------------------------------------------------------------
+
+namespace {
+
+std::string drain(std::FILE *file) {
+    std::rewind(file);
+    std::string text;
+    for (int c; (c = std::fgetc(file)) != EOF;) text += static_cast<char>(c);
+    std::fclose(file);
+    return text;
+}
+
+} // namespace
+
+Outcome in_child(const std::function<void()> &body) {
+    std::FILE *out = std::tmpfile();
+    std::FILE *err = std::tmpfile();
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(fileno(out), STDOUT_FILENO);
+        dup2(fileno(err), STDERR_FILENO);
+        body();
+        std::fflush(nullptr);
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, drain(out), drain(err)};
+}
+
+std::string fatal_message(const std::function<void()> &body) {
+    const Outcome outcome = in_child(body);
+    if (outcome.status != 1) return "status " + std::to_string(outcome.status) + ": " + outcome.err;
+    return outcome.err;
+}
+
+} // namespace test

@@ -1,0 +1,105 @@
+// What the tests share: random arrays whose every element's place is known
+// without the library, the naive walk over them, argument records, and calls in a
+// process of their own.
+#pragma once
+
+#include "quillfn/quillfn.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <initializer_list>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace test {
+
+using Random = std::mt19937;
+using Shape = std::vector<std::int32_t>;
+
+inline int pick(Random &random, int lowest, int highest) {
+    return std::uniform_int_distribution<int>(lowest, highest)(random);
+}
+
+// Seed and number of rounds of a randomised test; QUILLFN_SEED and QUILLFN_ROUNDS
+// (a factor) in the environment change them for longer runs.
+unsigned random_seed();
+int random_rounds(int usual);
+
+template <class T> T read(const std::byte *at) {
+    T value;
+    std::memcpy(&value, at, sizeof value);
+    return value;
+}
+template <class T> void write(std::byte *at, const T &value) {
+    std::memcpy(at, &value, sizeof value);
+}
+
+// An array in storage of its own, every byte of which starts as 0xA5.
+struct Array {
+    f90_ArrDesc descriptor = {};
+    Shape shape;
+    std::vector<std::byte> storage;
+    std::vector<std::ptrdiff_t> offsets; // of each element in storage, in array element order
+
+    std::size_t size() const { return offsets.size(); }
+    std::byte *at(std::size_t i) { return storage.data() + offsets[i]; }
+};
+
+enum class Layout { Dense, Spaced };
+
+// Spaced arrays have gaps, strides of both signs and, where `unit` is less than
+// the element's size, a SCALEFACTOR of `unit` bytes. Bases are aligned to 4 bytes
+// at the most; NONCONTIG may be set on dense arrays too.
+Array make_array(Random &random, const Shape &shape, int elsize, Layout layout, int unit = 0);
+Layout any_layout(Random &random);
+
+// Ranks 1 to 7, small extents, some of them 0; or one long dimension.
+Shape random_shape(Random &random, int lowest_rank = 1);
+Shape without(const Shape &shape, int dim);
+std::size_t elements(const Shape &shape);
+
+// Number of the result element, along dim (from 1; 0: a single result), that
+// element i of an array belongs to.
+std::size_t result_index(const Shape &shape, int dim, std::size_t i);
+
+// Which byte outside of the elements' values differs from `before`; empty when
+// none does. A value is `parts` runs of `used` bytes, one every `part` bytes.
+std::string strays(const Array &array, const std::vector<std::byte> &before, int used,
+                   int parts = 1, int part = 0);
+
+// The descriptor of a scalar at `value`.
+f90_ArrDesc scalar(void *value, int elsize);
+// A dense array without storage, of the given extents.
+f90_ArrDesc shaped(std::initializer_list<std::int32_t> extents, int elsize);
+
+// A record under construction; set bits of Presence as it goes.
+struct Call {
+    f90_ArgList list = {};
+
+    Call &result(f90_ArrDesc &given);
+    Call &created_result(f90_ArrDesc &empty);
+    Call &array(int number, f90_ArrDesc &descriptor); // Arg<number>
+    Call &value(int number, std::int32_t value);
+    Call &checked();
+    void operator()(f90_Intrinsic *intrinsic) { intrinsic(&list); }
+
+private:
+    f90_Slot &slot(int number);
+};
+
+// What a call in a process of its own wrote, and its exit status.
+struct Outcome {
+    int status;
+    std::string out;
+    std::string err;
+};
+Outcome in_child(const std::function<void()> &body);
+
+// The message of a call that must end the process with status 1; otherwise text
+// that no message equals.
+std::string fatal_message(const std::function<void()> &body);
+
+} // namespace test
