@@ -304,10 +304,13 @@ void fold_batch(const typename Fold::Accumulator &start, const RunBatch &batch) 
     }
 }
 
-// Folds along `run` for every position of the kept dimensions.
+// Folds along `run` for every position of the kept dimensions. Where runs are
+// empty, their operands need no storage, so the walk does not move in them.
 template <class Fold>
-void fold_along(const typename Fold::Accumulator &start, const Nest<3> &kept,
-                const Positions<3> &first, const Run<2> &run, bool masked) {
+void fold_along(const typename Fold::Accumulator &start, Nest<3> kept, const Positions<3> &first,
+                const Run<2> &run, bool masked) {
+    if (run.count == 0)
+        for (Run<3> &level : kept.levels) level.step.by[Array] = level.step.by[Mask] = 0;
     for_each_run(kept, first, [&](const Positions<3> &positions, const Run<3> &runs) {
         fold_batch<Fold>(start, {positions, runs, run, masked});
         return true;

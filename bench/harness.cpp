@@ -1,0 +1,160 @@
+// Timing and the table. Samples of the three contestants are taken in turn, so
+// that a change of the machine's speed meets all of them; the median stands.
+#include "harness.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+
+namespace bench {
+
+// ---- Timing -----------------------------------------------------------------
+
+namespace {
+
+constexpr double shortest_sample = 3e-3; // seconds
+constexpr double long_call = 10e-3;
+constexpr int most_samples = 11;
+constexpr int samples_of_long_calls = 5;
+
+// Time on the processor: while another process runs, the clock stands still.
+double now() {
+    std::timespec time;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+double seconds(const Repeated &calls, long times) {
+    const double start = now();
+    calls(times);
+    return now() - start;
+}
+
+// How many calls make a sample long enough.
+long calibrated(const Repeated &calls) {
+    long times = 1;
+    for (;;) {
+        const double elapsed = seconds(calls, times);
+        if (elapsed >= shortest_sample) return times;
+        const double growth = 1.2 * shortest_sample / std::max(elapsed, 1e-7);
+        times = static_cast<long>(static_cast<double>(times) * std::clamp(growth, 1.2, 100.0)) + 1;
+    }
+}
+
+struct Timing {
+    double seconds_per_call[contestants];
+};
+
+Timing measure(const Contest &contest) {
+    long times[contestants];
+    double samples[contestants][most_samples];
+    for (int c = 0; c < contestants; ++c) times[c] = calibrated(contest.calls[c]);
+
+    int count = most_samples;
+    for (int s = 0; s < count; ++s) {
+        for (int c = 0; c < contestants; ++c) {
+            samples[c][s] = seconds(contest.calls[c], times[c]) / static_cast<double>(times[c]);
+            if (samples[c][s] > long_call) count = samples_of_long_calls;
+        }
+    }
+
+    Timing timing;
+    for (int c = 0; c < contestants; ++c) {
+        std::sort(samples[c], samples[c] + count);
+        timing.seconds_per_call[c] = samples[c][count / 2];
+    }
+    return timing;
+}
+
+void check_answers(const Contest &contest) {
+    for (const Repeated &calls : contest.calls) calls(1);
+    for (const Contestant peer : {PeerO2, PeerO3}) {
+        if (contest.agrees(peer)) continue;
+        std::fflush(stdout);
+        std::fprintf(stderr, "%s: the library and peer %s give different answers\n",
+                     contest.name.c_str(), peer == PeerO2 ? "O2" : "O3");
+        std::exit(EXIT_FAILURE);
+    }
+}
+
+void print_time(double seconds_per_call) {
+    if (seconds_per_call < 10e-6)
+        std::printf(" %9.1f ns", seconds_per_call * 1e9);
+    else
+        std::printf(" %9.1f us", seconds_per_call * 1e6);
+}
+
+} // namespace
+
+// ---- The table --------------------------------------------------------------
+
+bool wanted(const Table &table, const std::string &name) {
+    return name.find(table.filter) != std::string::npos;
+}
+
+void print_heading() {
+    std::printf("%-26s %9s %12s %12s %12s %7s\n", "", "size", "ours", "peer O2", "peer O3",
+                "ratio");
+}
+
+void run(Table &table, const Contest &contest) {
+    check_answers(contest);
+    const Timing timing = measure(contest);
+    const double *times = timing.seconds_per_call;
+    const double ratio = std::min(times[PeerO2], times[PeerO3]) / times[Ours];
+    std::printf("%-26s %9s", contest.name.c_str(), contest.size.c_str());
+    for (int c = 0; c < contestants; ++c) print_time(times[c]);
+    std::printf(" %7.2f\n", ratio);
+    std::fflush(stdout);
+    ++table.rows;
+    if (ratio < 1) ++table.slower_rows;
+}
+
+void print_summary(const Table &table) {
+    std::printf("%d rows, %d of them slower than the better peer\n", table.rows, table.slower_rows);
+}
+
+// ---- Descriptors ------------------------------------------------------------
+
+namespace {
+
+f90_ArrDesc without_dimensions(void *base, std::int32_t count, std::size_t elsize) {
+    f90_ArrDesc array{};
+    array.ZERO = base;
+    array.BASE = base;
+    array.EXTENT = count;
+    array.ELSIZE = static_cast<std::int32_t>(elsize);
+    array.SCALEFACTOR = array.ELSIZE;
+    return array;
+}
+
+// Subscripts run from 1.
+void add_dimension(f90_ArrDesc &array, std::int32_t count, std::int32_t stride) {
+    array.Dim[array.RANK++] = {1, count, stride};
+    array.ZERO = static_cast<std::byte *>(array.ZERO) - stride * array.SCALEFACTOR;
+}
+
+} // namespace
+
+f90_ArrDesc scalar(void *base, std::size_t elsize) { return without_dimensions(base, 1, elsize); }
+
+f90_ArrDesc vector(void *base, std::int32_t count, std::size_t elsize, std::int32_t stride) {
+    f90_ArrDesc array = without_dimensions(base, count, elsize);
+    add_dimension(array, count, stride);
+    array.NONCONTIG = stride == 1 ? 0 : 1;
+    return array;
+}
+
+f90_ArrDesc matrix(void *base, std::int32_t rows, std::int32_t columns, std::size_t elsize) {
+    f90_ArrDesc array = without_dimensions(base, rows * columns, elsize);
+    add_dimension(array, rows, 1);
+    add_dimension(array, columns, rows);
+    return array;
+}
+
+f90_Slot slot(f90_ArrDesc &array) { return {reinterpret_cast<std::uintptr_t>(&array), 0}; }
+
+f90_Slot slot(std::int32_t value) { return {static_cast<std::uintptr_t>(value), 0}; }
+
+} // namespace bench

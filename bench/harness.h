@@ -1,0 +1,71 @@
+// The benchmark's harness: a contest times one call of the library beside the
+// same work of two peers and becomes one row of the table. Descriptors for the
+// library's calls are made here too.
+#pragma once
+
+#include "quillfn/quillfn.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace bench {
+
+// ---- Contests ---------------------------------------------------------------
+
+// The same call made a number of times.
+using Repeated = std::function<void(long times)>;
+
+// The loop stands inside of the function object, so that a call through the
+// object costs a short call nothing.
+template <class Call> Repeated repeated(Call call) {
+    return [call](long times) {
+        for (; times > 0; --times) call();
+    };
+}
+
+enum Contestant { Ours, PeerO2, PeerO3, contestants };
+
+struct Contest {
+    std::string name;
+    std::string size;
+    Repeated calls[contestants];
+    // Whether the answer that a peer left behind is the library's.
+    std::function<bool(Contestant peer)> agrees;
+};
+
+struct Table {
+    const char *filter; // part of the names of the rows to run
+    int rows = 0;
+    int slower_rows = 0; // than the better peer
+};
+
+// Whether the row is to be run: to be asked before its data are made.
+bool wanted(const Table &table, const std::string &name);
+
+void print_heading();
+
+// Times the contest and prints its row. Answers that differ end the process.
+void run(Table &table, const Contest &contest);
+
+void print_summary(const Table &table);
+
+// ---- Descriptors ------------------------------------------------------------
+
+// The storage of a scalar result.
+f90_ArrDesc scalar(void *base, std::size_t elsize);
+
+// `count` elements, `stride` elements apart; dense when that is 1.
+f90_ArrDesc vector(void *base, std::int32_t count, std::size_t elsize, std::int32_t stride = 1);
+
+// A dense matrix, column after column.
+f90_ArrDesc matrix(void *base, std::int32_t rows, std::int32_t columns, std::size_t elsize);
+
+// A descriptor's address as an argument.
+f90_Slot slot(f90_ArrDesc &array);
+
+// A 32-bit value as an argument.
+f90_Slot slot(std::int32_t value);
+
+} // namespace bench

@@ -1,0 +1,38 @@
+// quillfn_bench [FILTER]: the library beside gfortran's intrinsics, compiled with
+// -O2 and with -O3 -march=native -mfpmath=sse. Runs the rows whose name contains
+// FILTER. A time is that of one call whose argument record is already filled.
+#include "families.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+namespace {
+
+std::string processor() {
+    std::ifstream cpuinfo("/proc/cpuinfo");
+    for (std::string line; std::getline(cpuinfo, line);)
+        if (line.rfind("model name", 0) == 0) return line.substr(line.find(':') + 2);
+    return "unknown";
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    if (argc > 2) {
+        std::fprintf(stderr, "usage: %s [FILTER]\n", argv[0]);
+        return EXIT_FAILURE;
+    }
+    bench::Table table{argc == 2 ? argv[1] : ""};
+    std::printf("Processor: %s\n", processor().c_str());
+    std::printf("ratio: time of the better peer / our time; above 1 the library is faster\n\n");
+    bench::print_heading();
+    bench::bench_reductions(table);
+    if (table.rows == 0) {
+        std::fprintf(stderr, "no row's name contains \"%s\"\n", table.filter);
+        return EXIT_FAILURE;
+    }
+    bench::print_summary(table);
+    return EXIT_SUCCESS;
+}

@@ -1,0 +1,184 @@
+! The records of quillfn/quillfn.h for Fortran, as compiled code fills them, and
+! the entries of the library that the examples call. The layout is binary: order
+! and widths are those of the C header, addresses are 32-bit words.
+module quillfn_records
+    use, intrinsic :: iso_c_binding
+    implicit none
+
+    integer, parameter :: f90_MaxRank = 7
+
+    ! One dimension: subscripts Lower to Upper, neighbours Stride elements apart.
+    type, bind(C) :: f90_DimInfo
+        integer(c_int32_t) :: Lower
+        integer(c_int32_t) :: Upper
+        integer(c_int32_t) :: Stride
+    end type
+
+    ! An array. One whose BASE is null holds no elements yet: `reduce` asks the
+    ! library to create it.
+    type, bind(C) :: f90_ArrDesc
+        type(c_ptr) :: ZERO = c_null_ptr
+        type(c_ptr) :: BASE = c_null_ptr
+        integer(c_int32_t) :: EXTENT = 0
+        integer(c_int32_t) :: ELSIZE = 0
+        integer(c_int32_t) :: SCALEFACTOR = 0
+        integer(c_int8_t) :: RANK = 0
+        integer(c_int8_t) :: NONCONTIG = 0
+        integer(c_int8_t) :: Reserved(2) = 0
+        type(f90_DimInfo) :: Dim(f90_MaxRank) = f90_DimInfo(1, 0, 0)
+    end type
+
+    ! One argument: the address of a descriptor, or a 32-bit value, in Word0.
+    type, bind(C) :: f90_Slot
+        integer(c_intptr_t) :: Word0 = 0
+        integer(c_intptr_t) :: Word1 = 0
+    end type
+
+    type, bind(C) :: f90_ArgList
+        integer(c_int16_t) :: Shape = 0
+        integer(c_int16_t) :: Presence = 0
+        integer(c_int32_t) :: Flags = 0
+        type(f90_Slot) :: Result
+        type(f90_Slot) :: Arg1
+        type(f90_Slot) :: Arg2
+        type(f90_Slot) :: Arg3
+        type(f90_Slot) :: Arg4
+    end type
+
+    ! Bits of Presence.
+    integer(c_int16_t), parameter :: result_given = 1
+    integer(c_int16_t), parameter :: arg1_present = 2
+    integer(c_int16_t), parameter :: arg2_present = 4
+    integer(c_int16_t), parameter :: arg3_present = 8
+    integer(c_int16_t), parameter :: arg4_present = 16
+
+    ! Bit of Flags.
+    integer(c_int32_t), parameter :: check_shapes = 1
+
+    ! ---- Entries of the library ---------------------------------------------
+
+    abstract interface
+        subroutine f90_Intrinsic(arguments) bind(C)
+            import :: f90_ArgList
+            type(f90_ArgList), intent(inout) :: arguments
+        end subroutine
+    end interface
+
+    procedure(f90_Intrinsic), bind(C) :: f90_sumi4, f90_sumr4, f90_sumr8, f90_sumr10, f90_sumr16
+    procedure(f90_Intrinsic), bind(C) :: f90_prodi4, f90_prodr4, f90_prodr8, f90_prodr10, f90_prodr16
+    procedure(f90_Intrinsic), bind(C) :: f90_count4, f90_all4, f90_any4
+
+    interface
+        subroutine f90_freespace(space) bind(C)
+            import :: c_ptr
+            type(c_ptr), value :: space
+        end subroutine
+    end interface
+
+    ! ---- Records of Fortran data --------------------------------------------
+
+    ! The descriptor of a scalar or of an array of any type. Of an array it takes
+    ! sections as they lie in storage; there must be elements, and the caller's
+    ! variable must have TARGET for as long as the descriptor is used.
+    interface describe
+        module procedure describe_scalar, describe_vector, describe_matrix
+    end interface
+
+    private :: describe_scalar, describe_vector, describe_matrix, descriptor, address_of, word
+
+contains
+
+    function describe_scalar(scalar) result(array)
+        class(*), intent(in), target :: scalar
+        type(f90_ArrDesc) :: array
+        array = descriptor(address_of(scalar), storage_size(scalar) / 8, [integer ::], &
+                           [integer(c_intptr_t) ::])
+    end function
+
+    function describe_vector(vector) result(array)
+        class(*), intent(in), target :: vector(:)
+        type(f90_ArrDesc) :: array
+        array = descriptor(address_of(vector(1)), storage_size(vector) / 8, shape(vector), &
+                           [address_of(vector(min(2, size(vector))))])
+    end function
+
+    function describe_matrix(matrix) result(array)
+        class(*), intent(in), target :: matrix(:, :)
+        type(f90_ArrDesc) :: array
+        integer :: next(2)
+        next = min(2, shape(matrix))
+        array = descriptor(address_of(matrix(1, 1)), storage_size(matrix) / 8, shape(matrix), &
+                           [address_of(matrix(next(1), 1)), address_of(matrix(1, next(2)))])
+    end function
+
+    ! From the addresses of the first element and of its neighbour along each
+    ! dimension; along a dimension with one element that is the first again, and
+    ! any stride does.
+    pure function descriptor(first, bytes, extents, neighbours) result(array)
+        integer(c_intptr_t), intent(in) :: first
+        integer, intent(in) :: bytes
+        integer, intent(in) :: extents(:)
+        integer(c_intptr_t), intent(in) :: neighbours(:)
+        type(f90_ArrDesc) :: array
+        integer :: i, stride, dense_stride
+
+        dense_stride = 1
+        do i = 1, size(extents)
+            stride = int(neighbours(i) - first) / bytes
+            if (extents(i) == 1) stride = dense_stride
+            if (stride /= dense_stride) array%NONCONTIG = 1
+            array%Dim(i) = f90_DimInfo(1, extents(i), stride)
+            dense_stride = dense_stride * extents(i)
+        end do
+        array%RANK = int(size(extents), c_int8_t)
+        array%EXTENT = product(extents)
+        array%ELSIZE = bytes
+        array%SCALEFACTOR = bytes
+        array%BASE = transfer(first, c_null_ptr)
+        ! All lower bounds are 1.
+        array%ZERO = transfer(first - bytes * sum(array%Dim(1:array%RANK)%Stride), c_null_ptr)
+    end function
+
+    function address_of(variable) result(address)
+        type(*), intent(in), target :: variable
+        integer(c_intptr_t) :: address
+        address = transfer(c_loc(variable), address)
+    end function
+
+    ! ---- Calls --------------------------------------------------------------
+
+    ! Calls a reduction: Arg1 is the array, Arg2 DIM, Arg3 MASK. The result goes to
+    ! the storage that answer describes; when it describes none, the library
+    ! creates the array and completes answer, and f90_freespace takes BASE back.
+    subroutine reduce(entry, array, answer, dim, mask)
+        procedure(f90_Intrinsic) :: entry
+        type(f90_ArrDesc), intent(in), target :: array
+        type(f90_ArrDesc), intent(inout), target :: answer
+        integer(c_int32_t), intent(in), optional :: dim
+        type(f90_ArrDesc), intent(in), target, optional :: mask
+        type(f90_ArgList) :: arguments
+
+        arguments%Flags = check_shapes
+        arguments%Result%Word0 = word(answer)
+        if (c_associated(answer%BASE)) arguments%Presence = result_given
+        arguments%Arg1%Word0 = word(array)
+        arguments%Presence = ior(arguments%Presence, arg1_present)
+        if (present(dim)) then
+            arguments%Arg2%Word0 = dim
+            arguments%Presence = ior(arguments%Presence, arg2_present)
+        end if
+        if (present(mask)) then
+            arguments%Arg3%Word0 = word(mask)
+            arguments%Presence = ior(arguments%Presence, arg3_present)
+        end if
+        call entry(arguments)
+    end subroutine
+
+    ! The address of a descriptor, as a slot holds it.
+    function word(array)
+        type(f90_ArrDesc), intent(in), target :: array
+        integer(c_intptr_t) :: word
+        word = address_of(array)
+    end function
+
+end module
