@@ -9,7 +9,10 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#define QUILLFN_EXPORT __attribute__((visibility("default")))
+/* What leaves the library. Functions align the stack for themselves: compiled
+ * code keeps it 4-byte aligned only. */
+#define QUILLFN_DATA __attribute__((visibility("default")))
+#define QUILLFN_EXPORT __attribute__((visibility("default"), force_align_arg_pointer))
 
 #ifdef __cplusplus
 extern "C" {
@@ -76,7 +79,7 @@ typedef struct f90_SectionDim {
 } f90_SectionDim;
 
 /* An array intrinsic: reads its arguments from the record, answers through it. */
-typedef void f90_Intrinsic(f90_ArgList *arguments);
+typedef __attribute__((force_align_arg_pointer)) void f90_Intrinsic(f90_ArgList *arguments);
 
 /* ---- Storage -------------------------------------------------------------- */
 
@@ -93,7 +96,7 @@ QUILLFN_EXPORT void f90_freespace(void *space);
  * valid offset and one more than the highest, stand ahead of every descriptor
  * that f90_CreateArrayM, f90_CreateArray and f90_CreateSection fill: reserve 8
  * bytes there. The library only reads it. */
-extern QUILLFN_EXPORT int32_t f90_SubscriptChecking;
+extern QUILLFN_DATA int32_t f90_SubscriptChecking;
 
 /* Completes a descriptor of which RANK, ELSIZE and each Lower and Upper are
  * set: a dense array in storage from f90_getspace, which the caller owns. */

@@ -39,6 +39,7 @@ using Word = std::uint32_t;
 // Whether the processor's vectors hold a T, or its parts.
 template <class T> constexpr bool is_vectorisable = !std::is_same_v<T, Real10>;
 template <> inline constexpr bool is_vectorisable<Real16> = false;
+template <> inline constexpr bool is_vectorisable<__float128> = false;
 template <class Part> constexpr bool is_vectorisable<Complex<Part>> = is_vectorisable<Part>;
 
 // A value in another width of its type.
@@ -54,6 +55,7 @@ template <class To, class From> To converted(const From &from) {
     return Conversion<To, From>::of(from);
 }
 
+// An element in storage, whatever it was stored as.
 template <class T> struct Storage {
     static T load(ConstBytes at) {
         T element;
@@ -63,11 +65,13 @@ template <class T> struct Storage {
     static void store(Bytes at, const T &element) { std::memcpy(at, &element, sizeof element); }
 };
 
-// Moves 10 bytes: the other 2 of the element are nobody's.
-template <> struct Storage<Real10> {
-    typedef Real10 __attribute__((may_alias)) Stored;
-    static Real10 load(ConstBytes at) { return *reinterpret_cast<const Stored *>(at); }
-    static void store(Bytes at, Real10 element) { *reinterpret_cast<Stored *>(at) = element; }
+// Of an 80-bit real, 10 bytes are moved: the other 2 are nobody's.
+template <class T>
+requires std::is_arithmetic_v<T>
+struct Storage<T> {
+    typedef T __attribute__((may_alias, aligned(alignof(T) < 4 ? alignof(T) : 4))) Stored;
+    static T load(ConstBytes at) { return *reinterpret_cast<const Stored *>(at); }
+    static void store(Bytes at, const T &element) { *reinterpret_cast<Stored *>(at) = element; }
 };
 
 template <class Part> struct Storage<Complex<Part>> {

@@ -30,24 +30,25 @@ inline Isa widest_isa() {
     return isa;
 }
 
-template <class Kernel, class... Arguments> [[gnu::flatten]] auto run_sse2(Arguments... arguments) {
-    return Kernel::template run<16>(arguments...);
+template <class Kernel, class... Arguments>
+[[gnu::flatten]] void run_sse2(Arguments &&...arguments) {
+    Kernel::template run<16>(arguments...);
 }
 
 template <class Kernel, class... Arguments>
-[[gnu::target("avx2"), gnu::flatten]] auto run_avx2(Arguments... arguments) {
-    return Kernel::template run<32>(arguments...);
+[[gnu::target("avx2"), gnu::flatten]] void run_avx2(Arguments &&...arguments) {
+    Kernel::template run<32>(arguments...);
 }
 
 template <class Kernel, class... Arguments>
 [[gnu::target("avx512bw,avx512dq,avx512vl"), gnu::flatten]] auto
-run_avx512(Arguments... arguments) {
-    return Kernel::template run<64>(arguments...);
+run_avx512(Arguments &&...arguments) {
+    Kernel::template run<64>(arguments...);
 }
 
 // Kernel::run<width of a vector in bytes>(arguments...) with the widest set that
 // the processor has and Kernel::widest allows.
-template <class Kernel, class... Arguments> auto run_vectorised(Arguments... arguments) {
+template <class Kernel, class... Arguments> void run_vectorised(Arguments &&...arguments) {
     const Isa isa = widest_isa();
     if constexpr (Kernel::widest >= Isa::Avx512)
         if (isa >= Isa::Avx512) return run_avx512<Kernel>(arguments...);

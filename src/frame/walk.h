@@ -18,28 +18,38 @@ template <int Operands> struct Run {
 };
 
 template <int Operands> struct Nest {
-    // Level 0 is the run handed to the family; the others have at least two elements.
-    Run<Operands> levels[f90_MaxRank] = {{1, {}}};
-    int depth = 1;
+    // `depth` of them are set, each of at least two elements, the fastest first;
+    // none at all is a single element.
+    Run<Operands> levels[f90_MaxRank];
+    int depth = 0;
     bool empty = false;
 };
 
-// Adds a dimension outside of those that nest has.
-template <int Operands> void add_dimension(Nest<Operands> &nest, const Run<Operands> &dimension) {
+// Whether dimension goes on where inner ends, in every operand.
+template <int Operands> bool continues(const Run<Operands> &inner, const Run<Operands> &dimension) {
+    for (int o = 0; o < Operands; ++o)
+        if (dimension.step.by[o] != inner.step.by[o] * inner.count) return false;
+    return true;
+}
+
+// Field by field: a wide copy would wait for the narrow stores that made the record.
+template <int Operands>
+[[gnu::always_inline]] inline void copy_fields(Run<Operands> &to, const Run<Operands> &from) {
+    to.count = from.count;
+    for (int o = 0; o < Operands; ++o) to.step.by[o] = from.step.by[o];
+}
+
+// Adds a dimension outside of those that nest has. Part of its caller, so that
+// the dimension is never put together in memory first.
+template <int Operands>
+[[gnu::always_inline]] inline void add_dimension(Nest<Operands> &nest,
+                                                 const Run<Operands> &dimension) {
     if (dimension.count <= 0) nest.empty = true;
     if (dimension.count <= 1) return;
-    Run<Operands> &inner = nest.levels[nest.depth - 1];
-    if (inner.count == 1) { // nothing there yet
-        inner = dimension;
-        return;
-    }
-    for (int o = 0; o < Operands; ++o) {
-        if (dimension.step.by[o] != inner.step.by[o] * inner.count) {
-            nest.levels[nest.depth++] = dimension;
-            return;
-        }
-    }
-    inner.count *= dimension.count;
+    if (nest.depth > 0 && continues(nest.levels[nest.depth - 1], dimension))
+        nest.levels[nest.depth - 1].count *= dimension.count;
+    else
+        copy_fields(nest.levels[nest.depth++], dimension);
 }
 
 template <int Operands>
@@ -47,19 +57,12 @@ void advance(Positions<Operands> &positions, const Steps<Operands> &step, std::p
     for (int o = 0; o < Operands; ++o) positions.at[o] += step.by[o] * times;
 }
 
-// Calls visit(positions, run) for every run of nest, in array element order, from
-// the operands' first elements. visit returns whether to go on.
+// The walk over two levels and more: for_each_run below.
 template <int Operands, class Visit>
-void for_each_run(const Nest<Operands> &nest, Positions<Operands> positions, Visit visit) {
-    if (nest.empty) return;
-    const Run<Operands> &run = nest.levels[0];
-    if (nest.depth == 1) {
-        visit(positions, run);
-        return;
-    }
+void for_each_outer(const Nest<Operands> &nest, Positions<Operands> positions, Visit visit) {
     std::int32_t remaining[f90_MaxRank];
     for (int l = 1; l < nest.depth; ++l) remaining[l] = nest.levels[l].count - 1;
-    while (visit(positions, run)) {
+    while (visit(positions, nest.levels[0])) {
         int l = 1;
         while (remaining[l] == 0) {
             const Run<Operands> &level = nest.levels[l];
@@ -70,6 +73,17 @@ void for_each_run(const Nest<Operands> &nest, Positions<Operands> positions, Vis
         --remaining[l];
         advance(positions, nest.levels[l].step, 1);
     }
+}
+
+// Calls visit(positions, run) for every run of nest, in array element order, from
+// the operands' first elements. visit returns whether to go on.
+template <int Operands, class Visit>
+[[gnu::always_inline]] inline void for_each_run(const Nest<Operands> &nest,
+                                                const Positions<Operands> &first, Visit visit) {
+    if (nest.empty) return;
+    if (nest.depth > 1) return for_each_outer(nest, first, visit);
+    const Run<Operands> single_element = {1, {}};
+    visit(first, nest.depth == 0 ? single_element : nest.levels[0]);
 }
 
 } // namespace quill

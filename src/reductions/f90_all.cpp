@@ -24,9 +24,8 @@ template <class ElementType> struct All : LogicalFold<ElementType> {
         return found | reinterpret_cast<V>(elements == 0);
     }
     template <class V> static V lane_combine(const V &a, const V &b) { return a | b; }
-    template <int Width>
-    static Accumulator absorb(Accumulator all, const Lanes<Element, Width> &found) {
-        return any_bit<Width>(found) ? 0 : all;
+    template <int Width> static void absorb(Accumulator &all, const Lanes<Element, Width> &found) {
+        if (any_bit<Width>(found)) all = 0;
     }
 };
 

@@ -24,9 +24,8 @@ template <class ElementType> struct Any : LogicalFold<ElementType> {
         return found | elements;
     }
     template <class V> static V lane_combine(const V &a, const V &b) { return a | b; }
-    template <int Width>
-    static Accumulator absorb(Accumulator any, const Lanes<Element, Width> &found) {
-        return any_bit<Width>(found) ? 1 : any;
+    template <int Width> static void absorb(Accumulator &any, const Lanes<Element, Width> &found) {
+        if (any_bit<Width>(found)) any = 1;
     }
 };
 

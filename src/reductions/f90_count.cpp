@@ -42,8 +42,8 @@ template <class ElementType, class ResultType> struct Count : LogicalFold<Elemen
     }
     template <class V> static V lane_combine(const V &a, const V &b) { return a + b; }
     template <int Width>
-    static Accumulator absorb(Accumulator count, const Lanes<Element, Width> &counts) {
-        return count + static_cast<Accumulator>(total_count<Element, Width>(counts));
+    static void absorb(Accumulator &count, const Lanes<Element, Width> &counts) {
+        count += static_cast<Accumulator>(total_count<Element, Width>(counts));
     }
 };
 

@@ -7,7 +7,7 @@
 //   reorderable                    elements may be taken in any order; then also
 //     lane_start, lane_step        the same for a vector of elements, at most
 //     lane_rounds                  this many rounds of four vectors before
-//     absorb(accumulator, lanes)   the vectors' sum goes into the accumulator
+//     absorb(accumulator, lanes)   the vectors go into the accumulator
 //   ends_early, decided(acc)       further elements change nothing
 //   takes_mask                     the intrinsic has a MASK argument
 //
@@ -27,80 +27,115 @@ namespace quill {
 
 template <class Fold> constexpr std::ptrdiff_t element_size = sizeof(typename Fold::Element);
 
-// Takes all lanes of a vector, as far as it has come, into an accumulator.
-template <class Fold, int Width>
-typename Fold::Accumulator absorb_lanes(typename Fold::Accumulator accumulator,
-                                        const Lanes<typename Fold::Element, Width> &lanes) {
-    return fold_lanes<typename Fold::Element, Width>(
-        accumulator, lanes, [](const auto &a, const auto &b) { return Fold::lane_combine(a, b); },
-        Fold::step);
-}
+// Accumulators go by reference: by value, a double would return through the x87.
 
 // ---- One run ----------------------------------------------------------------
 
-// Adjacent elements of a reorderable fold, in vectors of Width bytes, four at a
-// time; what is left goes to the next narrower width.
-template <class Fold> struct DenseFold {
+// Elements `step` bytes apart, one by one. Always part of its caller, which may
+// know the step.
+template <class Fold>
+[[gnu::always_inline]] inline void fold_spaced(typename Fold::Accumulator &accumulator,
+                                               ConstBytes array, std::ptrdiff_t step,
+                                               std::int32_t count) {
+    auto running = accumulator;
+#pragma GCC unroll 8
+    for (std::int32_t i = 0; i < count; ++i) {
+        running = Fold::step(running, load<typename Fold::Element>(array + i * step));
+        if constexpr (Fold::ends_early)
+            if (Fold::decided(running)) break;
+    }
+    accumulator = running;
+}
+
+// Elements of a reorderable fold in vectors of Width bytes, four at a time; what
+// is left goes to the next narrower width. Of `spread` adjacent elements the
+// first counts: with 2, every other one.
+template <class Fold, int spread> struct DenseFold {
     static constexpr Isa widest = Isa::Avx512;
     using Element = typename Fold::Element;
     using Accumulator = typename Fold::Accumulator;
+    static constexpr std::int32_t step = spread * sizeof(Element);
+
+    // Lanes of the elements that count, the others as they started.
+    template <class V> static V counting(const V &lanes) {
+        if constexpr (spread == 1) return lanes;
+        V which = {};
+        for (std::size_t i = 0; i < sizeof(V) / sizeof(Element); i += spread)
+            which[i] = static_cast<Element>(-1);
+        return (lanes & which) | (Fold::template lane_start<V>() & ~which);
+    }
 
     template <int Width>
-    static Accumulator run(Accumulator accumulator, ConstBytes array, std::int32_t count) {
+    static void run(Accumulator &accumulator, ConstBytes array, std::int32_t count) {
         using V = Lanes<Element, Width>;
-        constexpr std::int32_t per_round = 4 * Width / sizeof(Element);
-        while (count >= per_round) {
-            const std::int32_t rounds = std::min(count / per_round, Fold::lane_rounds);
+        constexpr std::int32_t per_round = 4 * Width / step;
+        // A vector may not reach into the gap behind the last element.
+        while (count - (spread - 1) >= per_round) {
+            const std::int32_t rounds =
+                std::min((count - (spread - 1)) / per_round, Fold::lane_rounds);
+            count -= rounds * per_round;
             V first = Fold::template lane_start<V>();
             V second = first;
             V third = first;
             V fourth = first;
-            for (std::int32_t i = 0; i < rounds; ++i, array += 4 * Width) {
+            for (ConstBytes end = array + rounds * 4 * Width; array != end; array += 4 * Width) {
                 first = Fold::lane_step(first, load_lanes<V>(array));
                 second = Fold::lane_step(second, load_lanes<V>(array + Width));
                 third = Fold::lane_step(third, load_lanes<V>(array + 2 * Width));
                 fourth = Fold::lane_step(fourth, load_lanes<V>(array + 3 * Width));
             }
-            count -= rounds * per_round;
-            accumulator = Fold::template absorb<Width>(
-                accumulator, Fold::lane_combine(Fold::lane_combine(first, second),
-                                                Fold::lane_combine(third, fourth)));
+            const V all = Fold::lane_combine(Fold::lane_combine(first, second),
+                                             Fold::lane_combine(third, fourth));
+            Fold::template absorb<Width>(accumulator, counting(all));
             if constexpr (Fold::ends_early)
-                if (Fold::decided(accumulator)) return accumulator;
+                if (Fold::decided(accumulator)) return;
         }
-        if constexpr (Width > 16) {
-            return run<Width / 2>(accumulator, array, count);
-        } else {
-            for (; count > 0; --count, array += sizeof(Element))
-                accumulator = Fold::step(accumulator, load<Element>(array));
-            return accumulator;
-        }
+        if constexpr (Width > 16)
+            run<Width / 2>(accumulator, array, count);
+        else
+            fold_spaced<Fold>(accumulator, array, step, count);
     }
 };
 
-// Elements `step` bytes apart into one accumulator.
-template <class Fold>
-typename Fold::Accumulator fold_spaced(typename Fold::Accumulator accumulator, ConstBytes array,
-                                       std::ptrdiff_t step, std::int32_t count) {
-    using Element = typename Fold::Element;
-    for (std::int32_t i = 0; i < count; ++i) {
-        accumulator = Fold::step(accumulator, load<Element>(array + i * step));
-        if constexpr (Fold::ends_early)
-            if (Fold::decided(accumulator)) break;
-    }
-    return accumulator;
+// Takes all lanes of a vector, as far as it has come, into an accumulator.
+template <class Fold, int Width>
+void absorb_lanes(typename Fold::Accumulator &accumulator,
+                  const Lanes<typename Fold::Element, Width> &lanes) {
+    accumulator = fold_lanes<typename Fold::Element, Width>(
+        accumulator, lanes, [](const auto &a, const auto &b) { return Fold::lane_combine(a, b); },
+        Fold::step);
 }
 
-template <class Fold>
-typename Fold::Accumulator fold_run(typename Fold::Accumulator accumulator, ConstBytes array,
-                                    std::ptrdiff_t step, std::int32_t count) {
-    constexpr std::ptrdiff_t size = element_size<Fold>;
-    if (step != size) return fold_spaced<Fold>(accumulator, array, step, count);
-    if constexpr (Fold::reorderable) {
-        constexpr std::int32_t few = 64 / size;
-        if (count > few) return run_vectorised<DenseFold<Fold>>(accumulator, array, count);
+// The same for long runs. Under AVX2 it is the encoding that counts: SSE code is
+// slowed down by what AVX code of the caller leaves in the registers.
+template <class Fold> struct SpacedFold {
+    static constexpr Isa widest = Isa::Avx2;
+    template <int>
+    static void run(typename Fold::Accumulator &accumulator, ConstBytes array, std::ptrdiff_t step,
+                    std::int32_t count) {
+        if (step == element_size<Fold>)
+            fold_spaced<Fold>(accumulator, array, element_size<Fold>, count);
+        else
+            fold_spaced<Fold>(accumulator, array, step, count);
     }
-    return fold_spaced<Fold>(accumulator, array, size, count);
+};
+
+template <class Fold>
+[[gnu::always_inline]] inline void fold_run(typename Fold::Accumulator &accumulator,
+                                            ConstBytes array, std::ptrdiff_t step,
+                                            std::int32_t count) {
+    constexpr std::ptrdiff_t size = element_size<Fold>;
+    constexpr std::int32_t few = 16;
+    if (count <= few) return fold_spaced<Fold>(accumulator, array, step, count);
+    if constexpr (Fold::reorderable) {
+        if (step < 0) {
+            array += (count - 1) * step;
+            step = -step;
+        }
+        if (step == size) return run_vectorised<DenseFold<Fold, 1>>(accumulator, array, count);
+        if (step == 2 * size) return run_vectorised<DenseFold<Fold, 2>>(accumulator, array, count);
+    }
+    run_vectorised<SpacedFold<Fold>>(accumulator, array, step, count);
 }
 
 // ---- One run under a MASK ---------------------------------------------------
@@ -112,24 +147,25 @@ template <class Fold> struct DenseMaskedFold {
     using Element = typename Fold::Element;
     using Accumulator = typename Fold::Accumulator;
 
-    template <int Width>
-    static Accumulator run(Accumulator accumulator, ConstBytes array, ConstBytes mask,
-                           std::int32_t count) {
+    template <int>
+    static void run(Accumulator &accumulator, ConstBytes array, ConstBytes mask,
+                    std::int32_t count) {
         const Element neutral = Fold::start();
+        Accumulator running = accumulator;
         for (std::int32_t i = 0; i < count; ++i) {
             const bool counts = load<Word>(mask + i * static_cast<int>(sizeof(Word))) != 0;
             const auto element = load<Element>(array + i * element_size<Fold>);
-            accumulator = Fold::step(accumulator, counts ? element : neutral);
+            running = Fold::step(running, counts ? element : neutral);
         }
-        return accumulator;
+        accumulator = running;
     }
 };
 
 // The selected elements are first packed, without a branch, and then folded: the
 // fold waits for no element that does not count.
 template <class Fold>
-typename Fold::Accumulator fold_masked_run(typename Fold::Accumulator accumulator,
-                                           const Positions<2> &from, const Run<2> &run) {
+void fold_masked_run(typename Fold::Accumulator &accumulator, const Positions<2> &from,
+                     const Run<2> &run) {
     using Element = typename Fold::Element;
     constexpr std::ptrdiff_t size = element_size<Fold>;
     ConstBytes array = from.at[0];
@@ -142,16 +178,16 @@ typename Fold::Accumulator fold_masked_run(typename Fold::Accumulator accumulato
     }
     constexpr std::int32_t chunk = 64;
     std::byte selected[chunk * size];
-    for (std::int32_t done = 0; done < run.count;) {
-        const std::int32_t end = std::min(run.count, done + chunk);
-        std::int32_t count = 0;
-        for (; done < end; ++done) {
-            store(selected + count * size, load<Element>(array + done * step));
-            count += load<Word>(mask + done * mask_step) != 0 ? 1 : 0;
+    for (std::int32_t left = run.count; left > 0;) {
+        std::int32_t here = std::min(left, chunk);
+        left -= here;
+        Bytes end = selected;
+        for (; here > 0; --here, array += step, mask += mask_step) {
+            store(end, load<Element>(array));
+            end += load<Word>(mask) != 0 ? size : 0;
         }
-        accumulator = fold_spaced<Fold>(accumulator, selected, size, count);
+        fold_spaced<Fold>(accumulator, selected, size, (end - selected) / size);
     }
-    return accumulator;
 }
 
 // ---- Many runs --------------------------------------------------------------
@@ -162,9 +198,9 @@ enum Operand { Array, Mask, Result };
 // Runs of equal length, each for one result element: what one step of the walk
 // over the kept dimensions does.
 struct RunBatch {
-    Positions<3> first;
-    Run<3> runs; // from one run and its result element to the next
-    Run<2> run;  // along the reduced dimension
+    const Positions<3> &first;
+    const Run<3> &runs; // from one run and its result element to the next
+    const Run<2> &run;  // along the reduced dimension
     bool masked;
 
     Positions<2> start_of(std::int32_t i) const {
@@ -188,15 +224,15 @@ template <class Fold, bool masked> struct AdjacentFold {
     using Accumulator = typename Fold::Accumulator;
 
     template <int>
-    static void run(Accumulator *accumulators, std::int32_t width, const Positions<2> *from,
-                    const Run<2> *run) {
+    static void run(Accumulator *accumulators, std::int32_t width, const Positions<2> &from,
+                    const Run<2> &run) {
         constexpr std::ptrdiff_t size = element_size<Fold>;
-        const std::ptrdiff_t step = run->step.by[Array];
-        const std::ptrdiff_t mask_step = run->step.by[Mask];
+        const std::ptrdiff_t step = run.step.by[Array];
+        const std::ptrdiff_t mask_step = run.step.by[Mask];
         std::int32_t k = 0;
         if constexpr (!masked) {
-            for (; k + 4 <= run->count; k += 4) {
-                ConstBytes row = from->at[Array] + k * step;
+            for (; k + 4 <= run.count; k += 4) {
+                ConstBytes row = from.at[Array] + k * step;
                 for (std::int32_t j = 0; j < width; ++j) {
                     Accumulator accumulator = accumulators[j];
                     for (int r = 0; r < 4; ++r)
@@ -206,9 +242,9 @@ template <class Fold, bool masked> struct AdjacentFold {
                 }
             }
         }
-        for (; k < run->count; ++k) {
-            ConstBytes row = from->at[Array] + k * step;
-            ConstBytes mask = from->at[Mask] + k * mask_step;
+        for (; k < run.count; ++k) {
+            ConstBytes row = from.at[Array] + k * step;
+            ConstBytes mask = from.at[Mask] + k * mask_step;
             for (std::int32_t j = 0; j < width; ++j) {
                 const Accumulator next = Fold::step(accumulators[j], load<Element>(row + j * size));
                 if constexpr (masked) {
@@ -224,9 +260,10 @@ template <class Fold, bool masked> struct AdjacentFold {
 
 template <class Fold, bool masked>
 void fold_adjacent_runs(const typename Fold::Accumulator &start, const RunBatch &batch) {
+    using Accumulator = typename Fold::Accumulator;
     constexpr std::int32_t block = 256;
     constexpr std::int32_t rows_between_tests = 64;
-    typename Fold::Accumulator accumulators[block];
+    Accumulator accumulators[block];
     for (std::int32_t done = 0; done < batch.runs.count; done += block) {
         const std::int32_t width = std::min(block, batch.runs.count - done);
         std::fill_n(accumulators, width, start);
@@ -234,7 +271,7 @@ void fold_adjacent_runs(const typename Fold::Accumulator &start, const RunBatch 
         Run<2> rows = batch.run;
         for (std::int32_t left = batch.run.count; left > 0; left -= rows.count) {
             rows.count = Fold::ends_early ? std::min(left, rows_between_tests) : left;
-            run_vectorised<AdjacentFold<Fold, masked>>(&accumulators[0], width, &from, &rows);
+            run_vectorised<AdjacentFold<Fold, masked>>(accumulators, width, from, rows);
             if constexpr (Fold::ends_early) {
                 if (std::all_of(accumulators, accumulators + width, Fold::decided)) break;
                 advance(from, rows.step, left > rows.count ? rows.count : 0);
@@ -245,7 +282,69 @@ void fold_adjacent_runs(const typename Fold::Accumulator &start, const RunBatch 
     }
 }
 
-// Four runs side by side, which hides the latency of one accumulator's steps.
+// Runs of adjacent elements of a reorderable fold.
+template <class Fold> struct DenseRuns {
+    static constexpr Isa widest = Isa::Avx512;
+    template <int Width>
+    static void run(const typename Fold::Accumulator &start, const RunBatch &batch) {
+        for (std::int32_t i = 0; i < batch.runs.count; ++i) {
+            auto accumulator = start;
+            DenseFold<Fold, 1>::template run<Width>(accumulator, batch.start_of(i).at[Array],
+                                                    batch.run.count);
+            batch.store_result<Fold>(i, accumulator);
+        }
+    }
+};
+
+// Four runs of adjacent reals side by side: four elements of each are transposed
+// into vectors of one element from each run, which the four accumulators take in
+// order.
+template <class Fold> struct FourDenseRuns {
+    static constexpr Isa widest = Isa::Avx2;
+    using Element = typename Fold::Element;
+    using Accumulator = typename Fold::Accumulator;
+    using Four = Lanes<Element, 4 * sizeof(Element)>;
+    using Accumulators = Lanes<Accumulator, 4 * sizeof(Accumulator)>;
+
+    static Accumulators next(const Accumulators &accumulators, const Four &elements) {
+        return Fold::lane_step(accumulators, __builtin_convertvector(elements, Accumulators));
+    }
+
+    template <int>
+    static void run(const typename Fold::Accumulator &start, const RunBatch &batch,
+                    std::int32_t number) {
+        ConstBytes a = batch.start_of(number).at[Array];
+        ConstBytes b = batch.start_of(number + 1).at[Array];
+        ConstBytes c = batch.start_of(number + 2).at[Array];
+        ConstBytes d = batch.start_of(number + 3).at[Array];
+        Accumulators sums = {start, start, start, start};
+        std::int32_t k = 0;
+        for (; k + 4 <= batch.run.count; k += 4) {
+            const std::ptrdiff_t at = k * element_size<Fold>;
+            const Four ab_even = __builtin_shufflevector(load_lanes<Four>(a + at),
+                                                         load_lanes<Four>(b + at), 0, 4, 2, 6);
+            const Four ab_odd = __builtin_shufflevector(load_lanes<Four>(a + at),
+                                                        load_lanes<Four>(b + at), 1, 5, 3, 7);
+            const Four cd_even = __builtin_shufflevector(load_lanes<Four>(c + at),
+                                                         load_lanes<Four>(d + at), 0, 4, 2, 6);
+            const Four cd_odd = __builtin_shufflevector(load_lanes<Four>(c + at),
+                                                        load_lanes<Four>(d + at), 1, 5, 3, 7);
+            sums = next(sums, __builtin_shufflevector(ab_even, cd_even, 0, 1, 4, 5));
+            sums = next(sums, __builtin_shufflevector(ab_odd, cd_odd, 0, 1, 4, 5));
+            sums = next(sums, __builtin_shufflevector(ab_even, cd_even, 2, 3, 6, 7));
+            sums = next(sums, __builtin_shufflevector(ab_odd, cd_odd, 2, 3, 6, 7));
+        }
+        for (; k < batch.run.count; ++k) {
+            const std::ptrdiff_t at = k * element_size<Fold>;
+            sums = next(sums, Four{load<Element>(a + at), load<Element>(b + at),
+                                   load<Element>(c + at), load<Element>(d + at)});
+        }
+        for (int i = 0; i < 4; ++i) batch.store_result<Fold>(number + i, sums[i]);
+    }
+};
+
+// Four runs side by side, one element of each at a time, which hides the latency
+// of one accumulator's steps.
 template <class Fold>
 void fold_four_runs(const typename Fold::Accumulator &start, const RunBatch &batch,
                     std::int32_t number) {
@@ -272,47 +371,88 @@ void fold_four_runs(const typename Fold::Accumulator &start, const RunBatch &bat
     batch.store_result<Fold>(number + 3, fold_d);
 }
 
+// The runs from number `i` on, one after the other.
 template <class Fold>
-void fold_batch(const typename Fold::Accumulator &start, const RunBatch &batch) {
-    constexpr std::int32_t few = 8;
+void fold_single_runs(const typename Fold::Accumulator &start, const RunBatch &batch,
+                      std::int32_t i) {
+    for (; i < batch.runs.count; ++i) {
+        const Positions<2> from = batch.start_of(i);
+        auto accumulator = start;
+        bool done = false;
+        if constexpr (Fold::takes_mask)
+            if (batch.masked) {
+                fold_masked_run<Fold>(accumulator, from, batch.run);
+                done = true;
+            }
+        if (!done)
+            fold_run<Fold>(accumulator, from.at[Array], batch.run.step.by[Array], batch.run.count);
+        batch.store_result<Fold>(i, accumulator);
+    }
+}
+
+// Runs too short for any of that, in the plainest loop.
+template <class Fold>
+void fold_short_runs(const typename Fold::Accumulator &start, const RunBatch &batch) {
+    const Run<3> runs = batch.runs;
+    const Run<2> run = batch.run;
+    ConstBytes array = batch.first.at[Array];
+    Bytes result = batch.first.at[Result];
+    for (std::int32_t i = 0; i < runs.count; ++i) {
+        auto accumulator = start;
+        for (std::int32_t k = 0; k < run.count; ++k)
+            accumulator = Fold::step(accumulator,
+                                     load<typename Fold::Element>(array + k * run.step.by[Array]));
+        store<typename Fold::Result>(result, converted<typename Fold::Result>(accumulator));
+        array += runs.step.by[Array];
+        result += runs.step.by[Result];
+    }
+}
+
+constexpr std::int32_t few = 8;
+
+// Chooses how a batch of longer or many runs is folded.
+template <class Fold>
+[[gnu::noinline]] void fold_batch(const typename Fold::Accumulator &start, const RunBatch &batch) {
+    constexpr std::ptrdiff_t size = element_size<Fold>;
     if constexpr (is_vectorisable<typename Fold::Accumulator>) {
-        const bool adjacent =
-            batch.runs.step.by[Array] == element_size<Fold> && batch.runs.count >= few;
-        if (adjacent && !batch.masked) return fold_adjacent_runs<Fold, false>(start, batch);
-        if constexpr (Fold::takes_mask) {
-            if (adjacent && batch.runs.step.by[Mask] == sizeof(Word))
-                return fold_adjacent_runs<Fold, true>(start, batch);
+        if (batch.runs.count >= few && batch.runs.step.by[Array] == size) {
+            if (!batch.masked) return fold_adjacent_runs<Fold, false>(start, batch);
+            if constexpr (Fold::takes_mask)
+                if (batch.runs.step.by[Mask] == sizeof(Word))
+                    return fold_adjacent_runs<Fold, true>(start, batch);
         }
     }
     std::int32_t i = 0;
-    if constexpr (!Fold::ends_early) {
-        const bool vectors_along =
-            Fold::reorderable && batch.run.step.by[Array] == element_size<Fold>;
-        if (!batch.masked && !vectors_along)
+    if (!batch.masked) {
+        const bool dense = batch.run.step.by[Array] == size;
+        if constexpr (Fold::reorderable) {
+            if (dense) return run_vectorised<DenseRuns<Fold>>(start, batch);
+        } else if constexpr (std::is_floating_point_v<typename Fold::Element> &&
+                             is_vectorisable<typename Fold::Element>) {
+            if (dense)
+                for (; i + 4 <= batch.runs.count; i += 4)
+                    run_vectorised<FourDenseRuns<Fold>>(start, batch, i);
+        }
+        if constexpr (!Fold::ends_early)
             for (; i + 4 <= batch.runs.count; i += 4) fold_four_runs<Fold>(start, batch, i);
     }
-    for (; i < batch.runs.count; ++i) {
-        const Positions<2> from = batch.start_of(i);
-        if constexpr (Fold::takes_mask) {
-            if (batch.masked) {
-                batch.store_result<Fold>(i, fold_masked_run<Fold>(start, from, batch.run));
-                continue;
-            }
-        }
-        batch.store_result<Fold>(
-            i, fold_run<Fold>(start, from.at[Array], batch.run.step.by[Array], batch.run.count));
-    }
+    fold_single_runs<Fold>(start, batch, i);
 }
 
 // Folds along `run` for every position of the kept dimensions. Where runs are
 // empty, their operands need no storage, so the walk does not move in them.
 template <class Fold>
-void fold_along(const typename Fold::Accumulator &start, Nest<3> kept, const Positions<3> &first,
+void fold_along(const typename Fold::Accumulator &start, Nest<3> &kept, const Positions<3> &first,
                 const Run<2> &run, bool masked) {
     if (run.count == 0)
-        for (Run<3> &level : kept.levels) level.step.by[Array] = level.step.by[Mask] = 0;
+        for (int l = 0; l < kept.depth; ++l)
+            kept.levels[l].step.by[Array] = kept.levels[l].step.by[Mask] = 0;
     for_each_run(kept, first, [&](const Positions<3> &positions, const Run<3> &runs) {
-        fold_batch<Fold>(start, {positions, runs, run, masked});
+        const RunBatch batch = {positions, runs, run, masked};
+        if (run.count <= few && runs.count < few && !masked)
+            fold_short_runs<Fold>(start, batch);
+        else
+            fold_batch<Fold>(start, batch);
         return true;
     });
 }

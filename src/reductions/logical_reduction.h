@@ -17,22 +17,21 @@ template <class ElementType> struct LogicalFold {
     static constexpr bool takes_mask = false;
 };
 
-template <class Fold> typename Fold::Accumulator fold_whole_mask(const f90_ArrDesc &mask) {
+template <class Fold>
+void fold_whole_mask(typename Fold::Accumulator &accumulator, const f90_ArrDesc &mask) {
     const int rank = mask.RANK;
     if (mask.NONCONTIG == 0 || rank == 1)
-        return fold_run<Fold>(Fold::start(), base(mask),
+        return fold_run<Fold>(accumulator, base(mask),
                               rank == 1 ? byte_step(mask, 0) : std::ptrdiff_t{mask.ELSIZE},
                               mask.EXTENT);
     Nest<1> nest;
     for (int i = 0; i < rank; ++i)
         add_dimension(nest, {extent(mask.Dim[i]), {{byte_step(mask, i)}}});
-    auto accumulator = Fold::start();
     for_each_run(nest, {{base(mask)}}, [&](const Positions<1> &from, const Run<1> &run) {
-        accumulator = fold_run<Fold>(accumulator, from.at[0], run.step.by[0], run.count);
+        fold_run<Fold>(accumulator, from.at[0], run.step.by[0], run.count);
         if constexpr (Fold::ends_early) return !Fold::decided(accumulator);
         return true;
     });
-    return accumulator;
 }
 
 template <class Fold>
@@ -46,22 +45,32 @@ void fold_mask_along(const f90_ArrDesc &mask, int reduced, const f90_ArrDesc &re
                      {extent(mask.Dim[reduced]), {{byte_step(mask, reduced), 0}}}, false);
 }
 
+// Checks DIM, whatever Flags says; creates the result or checks the one given.
+[[gnu::noinline]] inline void prepare_along_dim(const char *name, const f90_ArgList &list,
+                                                std::int32_t result_size) {
+    const f90_ArrDesc &mask = descriptor(list.Arg1);
+    f90_ArrDesc &result = descriptor(list.Result);
+    const int rank = mask.RANK;
+    const std::int32_t dim = value(list.Arg2);
+    if (dim < 1 || dim > rank) f90_ArrLibError(name, 1, dim, rank);
+    if (!result_given(list)) {
+        create_without(result, mask, rank, dim - 1, result_size);
+    } else if (checks_wanted(list) && !conforms_without<extent>(result, mask, rank, dim - 1)) {
+        const ShapeVector expected = shape_without(mask, rank, dim - 1);
+        f90_ArrLibError(name, 2, &result, report(expected));
+    }
+}
+
 template <class Fold> void logical_reduction(const f90_ArgList *list) {
     const f90_ArrDesc &mask = descriptor(list->Arg1);
-    f90_ArrDesc &result = descriptor(list->Result);
-    const int rank = mask.RANK;
-    if (!argument_given(*list, 2) || rank == 1)
-        return store(base(result), converted<typename Fold::Result>(fold_whole_mask<Fold>(mask)));
-
-    const std::int32_t dim = value(list->Arg2);
-    if (dim < 1 || dim > rank) f90_ArrLibError(Fold::name, 1, dim, rank);
-    if (!result_given(*list)) {
-        create_without(result, mask, rank, dim - 1, sizeof(typename Fold::Result));
-    } else if (checks_wanted(*list) && !conforms_without<extent>(result, mask, rank, dim - 1)) {
-        const ShapeVector expected = shape_without(mask, rank, dim - 1);
-        f90_ArrLibError(Fold::name, 2, &result, report(expected));
+    const f90_ArrDesc &result = descriptor(list->Result);
+    if (argument_given(*list, 2) && mask.RANK != 1) {
+        prepare_along_dim(Fold::name, *list, sizeof(typename Fold::Result));
+        return fold_mask_along<Fold>(mask, value(list->Arg2) - 1, result);
     }
-    fold_mask_along<Fold>(mask, dim - 1, result);
+    auto accumulator = Fold::start();
+    fold_whole_mask<Fold>(accumulator, mask);
+    store(base(result), converted<typename Fold::Result>(accumulator));
 }
 
 } // namespace quill

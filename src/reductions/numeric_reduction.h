@@ -9,10 +9,13 @@
 
 namespace quill {
 
-// Kinds 4 and 8 accumulate in double.
+// Kinds 4 and 8 accumulate in double; kind 16 in the compiler's own type.
 template <class Element> struct AccumulatorOf { using type = Element; };
 template <> struct AccumulatorOf<Real4> { using type = Real8; };
-template <> struct AccumulatorOf<Complex8> { using type = Complex16; };
+template <> struct AccumulatorOf<Real16> { using type = __float128; };
+template <class Part> struct AccumulatorOf<Complex<Part>> {
+    using type = Complex<typename AccumulatorOf<Part>::type>;
+};
 
 // What SUM and PRODUCT have in common as folds. The literals of kind 16 are read
 // at every call.
@@ -27,7 +30,7 @@ template <class ElementType> struct NumericFold {
 };
 
 template <class T> T number(int small) { return static_cast<T>(small); }
-template <> inline Real16 number<Real16>(int small) {
+template <> inline __float128 number<__float128>(int small) {
     return string_to_fp128(small == 0 ? "0.0L" : "1.0L");
 }
 
@@ -40,7 +43,7 @@ struct NumericCall {
     int rank;
     bool has_dim;
     std::int32_t dim;      // from 1
-    bool nothing_selected; // a false scalar MASK along DIM
+    bool nothing_selected; // by a false scalar MASK
 
     bool along_dim() const { return has_dim && rank != 1; }
     bool dense() const {
@@ -63,7 +66,12 @@ inline NumericCall read_numeric_call(const f90_ArgList &list) {
             false};
 }
 
-inline void check_numeric_call(const char *name, const NumericCall &call) {
+// Creates the result where the caller left that to the library, and then checks.
+[[gnu::noinline]] inline void prepare_numeric_call(const char *name, const f90_ArgList &list,
+                                                   const NumericCall &call) {
+    if (call.has_dim && !result_given(list))
+        create_without(call.result, call.array, call.rank, call.dim - 1, call.array.ELSIZE);
+    if (!checks_wanted(list)) return;
     if (call.has_dim) {
         if (call.dim < 1 || call.dim > call.rank) f90_ArrLibError(name, 1, call.dim, call.rank);
         if (!conforms_without<clamped_span>(call.result, call.array, call.rank, call.dim - 1)) {
@@ -76,96 +84,109 @@ inline void check_numeric_call(const char *name, const NumericCall &call) {
         f90_ArrLibError(name, 3, &call.array, call.mask);
 }
 
-// ---- Walks ------------------------------------------------------------------
+// ---- The whole array --------------------------------------------------------
 
-template <class Fold>
-typename Fold::Accumulator fold_whole_run(const typename Fold::Accumulator &accumulator,
-                                          const NumericCall &call, const Positions<2> &from,
-                                          const Run<2> &run) {
-    if (call.mask != nullptr) return fold_masked_run<Fold>(accumulator, from, run);
-    return fold_run<Fold>(accumulator, from.at[Array], run.step.by[Array], run.count);
-}
-
-template <class Fold>
-typename Fold::Accumulator fold_whole(const typename Fold::Accumulator &start,
-                                      const NumericCall &call) {
-    const Positions<2> first = {{base(call.array), call.mask_base()}};
-    if (call.dense())
-        return fold_whole_run<Fold>(start, call, first,
-                                    {call.array.EXTENT, {{element_size<Fold>, sizeof(Word)}}});
+[[gnu::noinline]] inline Nest<2> whole_array(const NumericCall &call) {
     Nest<2> nest;
     for (int i = 0; i < call.rank; ++i)
         add_dimension(nest,
                       {extent(call.array.Dim[i]), {{byte_step(call.array, i), call.mask_step(i)}}});
-    auto accumulator = start;
-    for_each_run(nest, first, [&](const Positions<2> &from, const Run<2> &run) {
-        accumulator = fold_whole_run<Fold>(accumulator, call, from, run);
+    return nest;
+}
+
+// Under a MASK, or by strides.
+template <class Fold>
+[[gnu::noinline]] void walk_whole(typename Fold::Accumulator &accumulator,
+                                  const NumericCall &call) {
+    const Positions<2> first = {{base(call.array), call.mask_base()}};
+    if (call.dense())
+        return fold_masked_run<Fold>(accumulator, first,
+                                     {call.array.EXTENT, {{element_size<Fold>, sizeof(Word)}}});
+    for_each_run(whole_array(call), first, [&](const Positions<2> &from, const Run<2> &run) {
+        if (call.mask != nullptr)
+            fold_masked_run<Fold>(accumulator, from, run);
+        else
+            fold_run<Fold>(accumulator, from.at[Array], run.step.by[Array], run.count);
         return true;
     });
-    return accumulator;
 }
 
-// The kept dimensions of a dense array: neighbours below DIM, blocks above it.
-// Stride of the reduced dimension says how many neighbours there are.
-template <class Fold> Nest<3> dense_kept_dimensions(const NumericCall &call, std::int32_t length) {
-    constexpr std::ptrdiff_t size = element_size<Fold>;
-    const int reduced = call.dim - 1;
-    const std::ptrdiff_t neighbours = call.array.Dim[reduced].Stride;
-    std::int32_t blocks = 1;
+template <class Fold>
+void fold_whole(typename Fold::Accumulator &accumulator, const NumericCall &call) {
+    if (call.mask == nullptr && call.dense())
+        fold_run<Fold>(accumulator, base(call.array), element_size<Fold>, call.array.EXTENT);
+    else
+        walk_whole<Fold>(accumulator, call);
+}
+
+// ---- Along DIM --------------------------------------------------------------
+
+// The run along DIM, and the walk over the kept dimensions.
+struct AlongDim {
+    Run<2> run;
     Nest<3> kept;
+};
+
+// In a dense array the kept dimensions are neighbours below DIM and blocks above
+// it. Stride of the reduced dimension says how many neighbours there are.
+inline void lay_out_dense(const NumericCall &call, std::ptrdiff_t size, AlongDim &along) {
+    const int reduced = call.dim - 1;
+    const std::ptrdiff_t mask_size = call.mask == nullptr ? 0 : sizeof(Word);
+    const std::ptrdiff_t neighbours = call.array.Dim[reduced].Stride;
+    along.run.step = {{neighbours * size, neighbours * mask_size}};
+    std::int32_t blocks = 1;
     for (int i = 0; i < call.rank; ++i) {
         const std::int32_t elements = extent(call.array.Dim[i]);
-        if (i != reduced && elements == 0) kept.empty = true;
+        if (i != reduced && elements == 0) along.kept.empty = true;
         if (i > reduced) blocks *= elements;
     }
-    if (kept.empty) return kept;
-    const std::ptrdiff_t mask_size = call.mask == nullptr ? 0 : sizeof(Word);
-    const std::ptrdiff_t block = length * neighbours;
-    add_dimension(kept, {static_cast<std::int32_t>(neighbours), {{size, mask_size, size}}});
-    add_dimension(kept, {blocks, {{block * size, block * mask_size, neighbours * size}}});
-    return kept;
+    if (along.kept.empty) return;
+    const std::ptrdiff_t block = along.run.count * neighbours;
+    add_dimension(along.kept, {static_cast<std::int32_t>(neighbours), {{size, mask_size, size}}});
+    add_dimension(along.kept, {blocks, {{block * size, block * mask_size, neighbours * size}}});
 }
 
-inline Nest<3> spaced_kept_dimensions(const NumericCall &call) {
-    Nest<3> kept;
+inline void lay_out_spaced(const NumericCall &call, AlongDim &along) {
+    const int reduced = call.dim - 1;
+    along.run.step = {{byte_step(call.array, reduced), call.mask_step(reduced)}};
     for (int r = 0; r < call.rank - 1; ++r) {
-        const int i = kept_dimension(r, call.dim - 1);
-        add_dimension(kept,
+        const int i = kept_dimension(r, reduced);
+        add_dimension(along.kept,
                       {extent(call.array.Dim[i]),
                        {{byte_step(call.array, i), call.mask_step(i), byte_step(call.result, r)}}});
     }
-    return kept;
+}
+
+[[gnu::noinline]] inline void lay_out_along_dim(const NumericCall &call, std::ptrdiff_t size,
+                                                AlongDim &along) {
+    along.run.count = call.nothing_selected ? 0 : extent(call.array.Dim[call.dim - 1]);
+    if (call.dense())
+        lay_out_dense(call, size, along);
+    else
+        lay_out_spaced(call, along);
 }
 
 template <class Fold>
 void fold_along_dim(const typename Fold::Accumulator &start, const NumericCall &call) {
-    const int reduced = call.dim - 1;
-    const std::int32_t length = call.nothing_selected ? 0 : extent(call.array.Dim[reduced]);
-    const std::ptrdiff_t stride = call.array.Dim[reduced].Stride;
-    const bool dense = call.dense();
-    const Run<2> run =
-        dense ? Run<2>{length, {{stride * element_size<Fold>, stride * ptrdiff_t{sizeof(Word)}}}}
-              : Run<2>{length, {{byte_step(call.array, reduced), call.mask_step(reduced)}}};
-    fold_along<Fold>(
-        start, dense ? dense_kept_dimensions<Fold>(call, length) : spaced_kept_dimensions(call),
-        {{base(call.array), call.mask_base(), base(call.result)}}, run, call.mask != nullptr);
+    AlongDim along;
+    lay_out_along_dim(call, element_size<Fold>, along);
+    fold_along<Fold>(start, along.kept, {{base(call.array), call.mask_base(), base(call.result)}},
+                     along.run, call.mask != nullptr);
 }
+
+// ---- The family -------------------------------------------------------------
 
 template <class Fold> void numeric_reduction(const f90_ArgList *list) {
     NumericCall call = read_numeric_call(*list);
-    if (call.has_dim && !result_given(*list))
-        create_without(call.result, call.array, call.rank, call.dim - 1, call.array.ELSIZE);
-    if (checks_wanted(*list)) check_numeric_call(Fold::name, call);
-    const auto start = Fold::start();
+    if (!result_given(*list) || checks_wanted(*list)) prepare_numeric_call(Fold::name, *list, call);
     if (call.mask != nullptr && call.mask->RANK == 0) {
-        const bool selected = load<Word>(base(*call.mask)) != 0;
+        call.nothing_selected = load<Word>(base(*call.mask)) == 0;
         call.mask = nullptr;
-        if (!selected && !call.along_dim())
-            return store(base(call.result), converted<typename Fold::Result>(start));
-        call.nothing_selected = !selected;
     }
-    if (call.along_dim()) return fold_along_dim<Fold>(start, call);
-    store(base(call.result), converted<typename Fold::Result>(fold_whole<Fold>(start, call)));
+    auto accumulator = Fold::start();
+    if (call.along_dim()) return fold_along_dim<Fold>(accumulator, call);
+    if (!call.nothing_selected) fold_whole<Fold>(accumulator, call);
+    store(base(call.result), converted<typename Fold::Result>(accumulator));
 }
 
 } // namespace quill

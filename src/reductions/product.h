@@ -24,14 +24,10 @@ template <class Element> struct Product : NumericFold<Element> {
     }
     template <class V> static V lane_combine(const V &a, const V &b) { return a * b; }
     template <int Width>
-    static Accumulator absorb(Accumulator product, const Lanes<Element, Width> &products) {
-        return absorb_lanes<Product, Width>(product, products);
+    static void absorb(Accumulator &product, const Lanes<Element, Width> &products) {
+        absorb_lanes<Product, Width>(product, products);
     }
 };
-
-template <> inline Real16 Product<Real16>::step(Real16 product, const Real16 &element) {
-    return product *= element;
-}
 
 template <class Part> struct Product<Complex<Part>> : NumericFold<Complex<Part>> {
     using Accumulator = typename NumericFold<Complex<Part>>::Accumulator;

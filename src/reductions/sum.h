@@ -19,9 +19,8 @@ template <class Element> struct Sum : NumericFold<Element> {
         return sums + elements;
     }
     template <class V> static V lane_combine(const V &a, const V &b) { return a + b; }
-    template <int Width>
-    static Accumulator absorb(Accumulator sum, const Lanes<Element, Width> &sums) {
-        return absorb_lanes<Sum, Width>(sum, sums);
+    template <int Width> static void absorb(Accumulator &sum, const Lanes<Element, Width> &sums) {
+        absorb_lanes<Sum, Width>(sum, sums);
     }
 };
 
@@ -37,9 +36,5 @@ template <class Part> struct Sum<Complex<Part>> : NumericFold<Complex<Part>> {
         return {Sum<Part>::step(sum.re, element.re), Sum<Part>::step(sum.im, element.im)};
     }
 };
-
-template <> inline Real16 Sum<Real16>::step(Real16 sum, const Real16 &element) {
-    return sum += element;
-}
 
 } // namespace quill
