@@ -325,9 +325,10 @@ TEST(Reporter, FindsEveryName) {
 using quill::Quad;
 
 std::string words(const Quad &q) {
+    std::uint32_t w[4];
+    std::memcpy(w, &q, sizeof w);
     char text[40];
-    std::snprintf(text, sizeof text, "%08X %08X %08X %08X", q.words[3], q.words[2], q.words[1],
-                  q.words[0]);
+    std::snprintf(text, sizeof text, "%08X %08X %08X %08X", w[3], w[2], w[1], w[0]);
     return text;
 }
 

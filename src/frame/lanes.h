@@ -6,6 +6,7 @@
 #include "frame/records.h"
 
 #include <cstring>
+#include <utility>
 
 namespace quill {
 
@@ -29,26 +30,45 @@ template <class V> V load_lanes(ConstBytes at) {
     return lanes;
 }
 
-// Folds all lanes into `total`: halves with combine(vector, vector) down to 16
-// bytes, then lane by lane with step(total, lane).
-template <class T, int Width, class Total, class Combine, class Step>
-Total fold_lanes(Total total, const Lanes<T, Width> &lanes, Combine combine, Step step) {
+// A vector of value(0), value(1), and so on: a constant, since value is told each
+// lane's number as a constant.
+template <class T, int Width, class Value> Lanes<T, Width> numbered_lanes(Value value) {
+    return [&]<int... i>(std::integer_sequence<int, i...>) {
+        return Lanes<T, Width>{static_cast<T>(value(i))...};
+    }
+    (std::make_integer_sequence<int, Width / sizeof(T)>());
+}
+
+// The lanes rotated down by `distance`.
+template <int distance, class V> V rotated(const V &lanes) {
+    constexpr int count = sizeof(V) / sizeof(lanes[0]);
+    return [&]<int... i>(std::integer_sequence<int, i...>) {
+        return __builtin_shufflevector(lanes, lanes, (i + distance) % count...);
+    }
+    (std::make_integer_sequence<int, count>());
+}
+
+// All lanes folded into one by combine: halves down to 16 bytes, then the vector
+// with itself rotated.
+template <class T, int Width, int distance = Width / 2 / sizeof(T), class Combine>
+T fold_lanes(const Lanes<T, Width> &lanes, Combine combine) {
     if constexpr (Width > 16) {
         Lanes<T, Width / 2> halves[2];
         std::memcpy(halves, &lanes, sizeof lanes);
-        return fold_lanes<T, Width / 2>(total, combine(halves[0], halves[1]), combine, step);
+        return fold_lanes<T, Width / 2>(combine(halves[0], halves[1]), combine);
+    } else if constexpr (distance > 0) {
+        return fold_lanes<T, Width, distance / 2>(combine(lanes, rotated<distance>(lanes)),
+                                                  combine);
     } else {
-        for (int i = 0; i < static_cast<int>(Width / sizeof(T)); ++i) total = step(total, lanes[i]);
-        return total;
+        return lanes[0];
     }
 }
 
 // Whether any bit of any lane is set.
 template <int Width, class V> bool any_bit(const V &lanes) {
-    using Words = std::uint64_t;
-    const auto either = [](const auto &a, const auto &b) { return a | b; };
-    return fold_lanes<Words, Width>(Words{0}, same_bits<Lanes<Words, Width>>(lanes), either,
-                                    either) != 0;
+    return fold_lanes<std::uint64_t, Width>(same_bits<Lanes<std::uint64_t, Width>>(lanes),
+                                            [](const auto &a, const auto &b) { return a | b; }) !=
+           0;
 }
 
 } // namespace quill

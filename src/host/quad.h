@@ -4,37 +4,30 @@
 // that arrays of compiled code do not have.
 #pragma once
 
-#include <cstdint>
-#include <cstring>
-
 namespace quill {
 
 // Four words, low first: the high one holds the sign in bit 31, the exponent in
 // bits 30 to 16 and the top of the fraction.
-struct Quad {
-    std::uint32_t words[4];
+struct [[gnu::packed, gnu::aligned(4)]] Quad {
+    __float128 number;
 
     Quad() = default;
-    Quad(__float128 number) { std::memcpy(words, &number, sizeof words); }
+    Quad(__float128 value) : number(value) {}
     // Exact, as every value of these types is.
-    explicit Quad(double number) : Quad(static_cast<__float128>(number)) {}
-    explicit Quad(long long number) : Quad(static_cast<__float128>(number)) {}
-    explicit Quad(short number) : Quad(static_cast<double>(number)) {}
-    explicit Quad(int number) : Quad(static_cast<double>(number)) {}
-    explicit Quad(long number) : Quad(static_cast<double>(number)) {}
+    explicit Quad(double value) : number(value) {}
+    explicit Quad(long long value) : number(static_cast<__float128>(value)) {}
+    explicit Quad(short value) : Quad(static_cast<double>(value)) {}
+    explicit Quad(int value) : Quad(static_cast<double>(value)) {}
+    explicit Quad(long value) : Quad(static_cast<double>(value)) {}
 
-    operator __float128() const {
-        __float128 number;
-        std::memcpy(&number, words, sizeof number);
-        return number;
-    }
+    operator __float128() const { return number; }
     // Rounded to nearest.
-    explicit operator double() const { return static_cast<double>(__float128(*this)); }
+    explicit operator double() const { return static_cast<double>(number); }
 
-    Quad &operator+=(const Quad &other) { return *this = __float128(*this) + __float128(other); }
-    Quad &operator-=(const Quad &other) { return *this = __float128(*this) - __float128(other); }
-    Quad &operator*=(const Quad &other) { return *this = __float128(*this) * __float128(other); }
-    Quad &operator/=(const Quad &other) { return *this = __float128(*this) / __float128(other); }
+    Quad &operator+=(const Quad &other) { return *this = number + other.number; }
+    Quad &operator-=(const Quad &other) { return *this = number - other.number; }
+    Quad &operator*=(const Quad &other) { return *this = number * other.number; }
+    Quad &operator/=(const Quad &other) { return *this = number / other.number; }
 };
 static_assert(sizeof(Quad) == 16 && alignof(Quad) == 4);
 

@@ -13,6 +13,7 @@ template <class ElementType> struct All : LogicalFold<ElementType> {
     static constexpr std::int32_t lane_rounds = 8;
 
     static Accumulator start() { return 1; }
+    static Element neutral() { return 1; }
     static Accumulator step(Accumulator all, Element element) {
         return all & Element{element != 0};
     }

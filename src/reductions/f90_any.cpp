@@ -13,6 +13,7 @@ template <class ElementType> struct Any : LogicalFold<ElementType> {
     static constexpr std::int32_t lane_rounds = 8;
 
     static Accumulator start() { return 0; }
+    static Element neutral() { return 0; }
     static Accumulator step(Accumulator any, Element element) {
         return any | Element{element != 0};
     }

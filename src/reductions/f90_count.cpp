@@ -14,9 +14,8 @@ template <class Lane, int Width> std::uint32_t total_count(const Lanes<Lane, Wid
         return total_count<Wide, Width>((pairs & ((1 << bits) - 1)) + (pairs >> bits));
     } else {
         // The high words of 64-bit counts are zero.
-        const auto sum = [](const auto &a, const auto &b) { return a + b; };
-        return fold_lanes<std::uint32_t, Width>(
-            std::uint32_t{0}, same_bits<Lanes<std::uint32_t, Width>>(counts), sum, sum);
+        return fold_lanes<std::uint32_t, Width>(same_bits<Lanes<std::uint32_t, Width>>(counts),
+                                                [](const auto &a, const auto &b) { return a + b; });
     }
 }
 
@@ -26,12 +25,13 @@ template <class ElementType, class ResultType> struct Count : LogicalFold<Elemen
     using Result = ResultType;
     static constexpr const char *name = sizeof(Result) == 4 ? "COUNT" : "KOUNT";
     static constexpr bool ends_early = false;
-    // The sum of four lanes must fit a lane.
+    // The sum of four lanes, and of what is left after the rounds, must fit a lane.
     static constexpr std::int32_t lane_rounds = sizeof(Element) >= 4
                                                     ? std::numeric_limits<std::int32_t>::max()
-                                                    : std::numeric_limits<Element>::max() / 4;
+                                                    : std::numeric_limits<Element>::max() / 4 - 1;
 
     static Accumulator start() { return 0; }
+    static Element neutral() { return 0; }
     static Accumulator step(Accumulator count, Element element) {
         return count + (element != 0 ? 1 : 0);
     }

@@ -5,6 +5,7 @@
 //   start()                        where a run begins
 //   step(accumulator, element)     one element more
 //   reorderable                    elements may be taken in any order; then also
+//     neutral()                    an element that changes nothing
 //     lane_start, lane_step        the same for a vector of elements, at most
 //     lane_rounds                  this many rounds of four vectors before
 //     absorb(accumulator, lanes)   the vectors go into the accumulator
@@ -47,33 +48,49 @@ template <class Fold>
     accumulator = running;
 }
 
-// Elements of a reorderable fold in vectors of Width bytes, four at a time; what
-// is left goes to the next narrower width. Of `spread` adjacent elements the
-// first counts: with 2, every other one.
+// Elements of a reorderable fold in vectors of Width bytes, four at a time; fewer
+// than fill one vector go to the next narrower width. Of `spread` adjacent
+// elements the first counts: with 2, every other one.
 template <class Fold, int spread> struct DenseFold {
-    static constexpr Isa widest = Isa::Avx512;
     using Element = typename Fold::Element;
     using Accumulator = typename Fold::Accumulator;
     static constexpr std::int32_t step = spread * sizeof(Element);
 
-    // Lanes of the elements that count, the others as they started.
-    template <class V> static V counting(const V &lanes) {
+    template <class V> static V select(const V &which, const V &lanes, const V &others) {
+        return (lanes & which) | (others & ~which);
+    }
+
+    // The lanes of elements that count, the others as they started.
+    template <class V> static V counting_lanes(const V &lanes) {
         if constexpr (spread == 1) return lanes;
-        V which = {};
-        for (std::size_t i = 0; i < sizeof(V) / sizeof(Element); i += spread)
-            which[i] = static_cast<Element>(-1);
-        return (lanes & which) | (Fold::template lane_start<V>() & ~which);
+        const V which =
+            numbered_lanes<Element, sizeof(V)>([](int i) { return i % spread == 0 ? -1 : 0; });
+        return select(which, lanes, Fold::template lane_start<V>());
+    }
+
+    // The last `count` elements before `end`, fewer than a vector's, loaded with
+    // elements in front of them that have been taken already.
+    template <class V> static V last_lanes(ConstBytes end, std::int32_t count) {
+        constexpr int lanes = sizeof(V) / sizeof(Element);
+        const V number = numbered_lanes<Element, sizeof(V)>([](int i) { return i; });
+        const V taken = V{} + static_cast<Element>(lanes - count);
+        return select(reinterpret_cast<V>(number >= taken), load_lanes<V>(end - sizeof(V)),
+                      V{} + Fold::neutral());
     }
 
     template <int Width>
     static void run(Accumulator &accumulator, ConstBytes array, std::int32_t count) {
         using V = Lanes<Element, Width>;
-        constexpr std::int32_t per_round = 4 * Width / step;
-        // A vector may not reach into the gap behind the last element.
-        while (count - (spread - 1) >= per_round) {
+        constexpr std::int32_t per_vector = Width / step;
+        constexpr std::int32_t gap = spread - 1; // no vector reaches behind the last element
+        if (count - gap < per_vector) {
+            if constexpr (Width > 16) return run<Width / 2>(accumulator, array, count);
+            return fold_spaced<Fold>(accumulator, array, step, count);
+        }
+        do {
             const std::int32_t rounds =
-                std::min((count - (spread - 1)) / per_round, Fold::lane_rounds);
-            count -= rounds * per_round;
+                std::min((count - gap) / (4 * per_vector), Fold::lane_rounds);
+            count -= rounds * 4 * per_vector;
             V first = Fold::template lane_start<V>();
             V second = first;
             V third = first;
@@ -84,16 +101,21 @@ template <class Fold, int spread> struct DenseFold {
                 third = Fold::lane_step(third, load_lanes<V>(array + 2 * Width));
                 fourth = Fold::lane_step(fourth, load_lanes<V>(array + 3 * Width));
             }
-            const V all = Fold::lane_combine(Fold::lane_combine(first, second),
-                                             Fold::lane_combine(third, fourth));
-            Fold::template absorb<Width>(accumulator, counting(all));
+            if (count - gap < 4 * per_vector) {
+                for (; count - gap >= per_vector; count -= per_vector, array += Width)
+                    first = Fold::lane_step(first, load_lanes<V>(array));
+                if (spread == 1 && count > 0) {
+                    second = Fold::lane_step(second, last_lanes<V>(array + count * step, count));
+                    count = 0;
+                }
+            }
+            Fold::template absorb<Width>(
+                accumulator, counting_lanes(Fold::lane_combine(Fold::lane_combine(first, second),
+                                                               Fold::lane_combine(third, fourth))));
             if constexpr (Fold::ends_early)
                 if (Fold::decided(accumulator)) return;
-        }
-        if constexpr (Width > 16)
-            run<Width / 2>(accumulator, array, count);
-        else
-            fold_spaced<Fold>(accumulator, array, step, count);
+        } while (count - gap >= per_vector);
+        fold_spaced<Fold>(accumulator, array, step, count);
     }
 };
 
@@ -101,15 +123,15 @@ template <class Fold, int spread> struct DenseFold {
 template <class Fold, int Width>
 void absorb_lanes(typename Fold::Accumulator &accumulator,
                   const Lanes<typename Fold::Element, Width> &lanes) {
-    accumulator = fold_lanes<typename Fold::Element, Width>(
-        accumulator, lanes, [](const auto &a, const auto &b) { return Fold::lane_combine(a, b); },
-        Fold::step);
+    accumulator = Fold::step(accumulator, fold_lanes<typename Fold::Element, Width>(
+                                              lanes, [](const auto &a, const auto &b) {
+                                                  return Fold::lane_combine(a, b);
+                                              }));
 }
 
 // The same for long runs. Under AVX2 it is the encoding that counts: SSE code is
 // slowed down by what AVX code of the caller leaves in the registers.
 template <class Fold> struct SpacedFold {
-    static constexpr Isa widest = Isa::Avx2;
     template <int>
     static void run(typename Fold::Accumulator &accumulator, ConstBytes array, std::ptrdiff_t step,
                     std::int32_t count) {
@@ -141,16 +163,15 @@ template <class Fold>
 // ---- One run under a MASK ---------------------------------------------------
 
 // Adjacent elements of a reorderable fold beside adjacent MASK words: an element
-// that does not count is replaced by the start value.
+// that does not count is replaced by the neutral one.
 template <class Fold> struct DenseMaskedFold {
-    static constexpr Isa widest = Isa::Avx512;
     using Element = typename Fold::Element;
     using Accumulator = typename Fold::Accumulator;
 
     template <int>
     static void run(Accumulator &accumulator, ConstBytes array, ConstBytes mask,
                     std::int32_t count) {
-        const Element neutral = Fold::start();
+        const Element neutral = Fold::neutral();
         Accumulator running = accumulator;
         for (std::int32_t i = 0; i < count; ++i) {
             const bool counts = load<Word>(mask + i * static_cast<int>(sizeof(Word))) != 0;
@@ -215,11 +236,8 @@ struct RunBatch {
 };
 
 // Runs whose elements are neighbours: `width` accumulators advance together, in
-// vectors as wide as the compiler makes them, each in its own order. Not beyond
-// AVX2: AVX-512 has multiply-add of its own, into which GCC fuses the products of
-// complex numbers even where contraction is off.
+// vectors as wide as the compiler makes them, each in its own order.
 template <class Fold, bool masked> struct AdjacentFold {
-    static constexpr Isa widest = Isa::Avx2;
     using Element = typename Fold::Element;
     using Accumulator = typename Fold::Accumulator;
 
@@ -284,7 +302,6 @@ void fold_adjacent_runs(const typename Fold::Accumulator &start, const RunBatch 
 
 // Runs of adjacent elements of a reorderable fold.
 template <class Fold> struct DenseRuns {
-    static constexpr Isa widest = Isa::Avx512;
     template <int Width>
     static void run(const typename Fold::Accumulator &start, const RunBatch &batch) {
         for (std::int32_t i = 0; i < batch.runs.count; ++i) {
@@ -300,7 +317,6 @@ template <class Fold> struct DenseRuns {
 // into vectors of one element from each run, which the four accumulators take in
 // order.
 template <class Fold> struct FourDenseRuns {
-    static constexpr Isa widest = Isa::Avx2;
     using Element = typename Fold::Element;
     using Accumulator = typename Fold::Accumulator;
     using Four = Lanes<Element, 4 * sizeof(Element)>;

@@ -10,6 +10,7 @@ template <class Element> struct Product : NumericFold<Element> {
     static constexpr const char *name = "PRODUCT";
 
     static Accumulator start() { return number<Accumulator>(1); }
+    static Element neutral() { return 1; }
     static Accumulator step(Accumulator product, const Element &element) {
         // The leading one keeps narrow integers unsigned.
         if constexpr (std::is_integral_v<Element>)

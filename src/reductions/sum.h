@@ -10,6 +10,7 @@ template <class Element> struct Sum : NumericFold<Element> {
     static constexpr const char *name = "SUM";
 
     static Accumulator start() { return number<Accumulator>(0); }
+    static Element neutral() { return 0; }
     static Accumulator step(Accumulator sum, const Element &element) {
         return static_cast<Accumulator>(sum + element);
     }
