@@ -20,7 +20,7 @@ using Repeated = std::function<void(long times)>;
 // The loop stands inside of the function object, so that a call through the
 // object costs a short call nothing.
 template <class Call> Repeated repeated(Call call) {
-    return [call](long times) {
+    return [call](long times) mutable {
         for (; times > 0; --times) call();
     };
 }
