@@ -34,9 +34,11 @@ template <int Operands> bool continues(const Run<Operands> &inner, const Run<Ope
 
 // Field by field: a wide copy would wait for the narrow stores that made the record.
 template <int Operands>
-[[gnu::always_inline]] inline void copy_fields(Run<Operands> &to, const Run<Operands> &from) {
-    to.count = from.count;
-    for (int o = 0; o < Operands; ++o) to.step.by[o] = from.step.by[o];
+[[gnu::always_inline]] inline void append_level(Nest<Operands> &nest,
+                                                const Run<Operands> &dimension) {
+    Run<Operands> &level = nest.levels[nest.depth++];
+    level.count = dimension.count;
+    for (int o = 0; o < Operands; ++o) level.step.by[o] = dimension.step.by[o];
 }
 
 // Adds a dimension outside of those that nest has. Part of its caller, so that
@@ -49,7 +51,7 @@ template <int Operands>
     if (nest.depth > 0 && continues(nest.levels[nest.depth - 1], dimension))
         nest.levels[nest.depth - 1].count *= dimension.count;
     else
-        copy_fields(nest.levels[nest.depth++], dimension);
+        append_level(nest, dimension);
 }
 
 template <int Operands>
@@ -57,19 +59,20 @@ void advance(Positions<Operands> &positions, const Steps<Operands> &step, std::p
     for (int o = 0; o < Operands; ++o) positions.at[o] += step.by[o] * times;
 }
 
-// The walk over two levels and more: for_each_run below.
+// The walk over any number of levels; for_each_run below is the way in.
 template <int Operands, class Visit>
 void for_each_outer(const Nest<Operands> &nest, Positions<Operands> positions, Visit visit) {
+    const Run<Operands> single_element = {1, {}};
+    const Run<Operands> &run = nest.depth == 0 ? single_element : nest.levels[0];
     std::int32_t remaining[f90_MaxRank];
     for (int l = 1; l < nest.depth; ++l) remaining[l] = nest.levels[l].count - 1;
-    while (visit(positions, nest.levels[0])) {
+    while (visit(positions, run)) {
         int l = 1;
-        while (remaining[l] == 0) {
-            const Run<Operands> &level = nest.levels[l];
-            remaining[l] = level.count - 1;
-            advance(positions, level.step, -static_cast<std::ptrdiff_t>(remaining[l]));
-            if (++l == nest.depth) return;
+        for (; l < nest.depth && remaining[l] == 0; ++l) {
+            remaining[l] = nest.levels[l].count - 1;
+            advance(positions, nest.levels[l].step, -static_cast<std::ptrdiff_t>(remaining[l]));
         }
+        if (l >= nest.depth) return;
         --remaining[l];
         advance(positions, nest.levels[l].step, 1);
     }
@@ -81,9 +84,10 @@ template <int Operands, class Visit>
 [[gnu::always_inline]] inline void for_each_run(const Nest<Operands> &nest,
                                                 const Positions<Operands> &first, Visit visit) {
     if (nest.empty) return;
-    if (nest.depth > 1) return for_each_outer(nest, first, visit);
-    const Run<Operands> single_element = {1, {}};
-    visit(first, nest.depth == 0 ? single_element : nest.levels[0]);
+    if (nest.depth == 1)
+        visit(first, nest.levels[0]);
+    else
+        for_each_outer(nest, first, visit);
 }
 
 } // namespace quill

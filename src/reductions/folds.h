@@ -406,18 +406,18 @@ void fold_single_runs(const typename Fold::Accumulator &start, const RunBatch &b
     }
 }
 
-// Runs too short for any of that, in the plainest loop.
+// Few and short runs, in the plainest loop.
 template <class Fold>
-void fold_short_runs(const typename Fold::Accumulator &start, const RunBatch &batch) {
-    const Run<3> runs = batch.runs;
-    const Run<2> run = batch.run;
-    ConstBytes array = batch.first.at[Array];
-    Bytes result = batch.first.at[Result];
-    for (std::int32_t i = 0; i < runs.count; ++i) {
+void fold_short_runs(const typename Fold::Accumulator &start, const Positions<3> &first,
+                     const Run<3> &runs, const Run<2> &run) {
+    ConstBytes array = first.at[Array];
+    Bytes result = first.at[Result];
+    const std::ptrdiff_t step = run.step.by[Array];
+    for (std::int32_t i = runs.count; i > 0; --i) {
         auto accumulator = start;
-        for (std::int32_t k = 0; k < run.count; ++k)
-            accumulator = Fold::step(accumulator,
-                                     load<typename Fold::Element>(array + k * run.step.by[Array]));
+        ConstBytes element = array;
+        for (std::int32_t k = run.count; k > 0; --k, element += step)
+            accumulator = Fold::step(accumulator, load<typename Fold::Element>(element));
         store<typename Fold::Result>(result, converted<typename Fold::Result>(accumulator));
         array += runs.step.by[Array];
         result += runs.step.by[Result];
@@ -464,11 +464,10 @@ void fold_along(const typename Fold::Accumulator &start, Nest<3> &kept, const Po
         for (int l = 0; l < kept.depth; ++l)
             kept.levels[l].step.by[Array] = kept.levels[l].step.by[Mask] = 0;
     for_each_run(kept, first, [&](const Positions<3> &positions, const Run<3> &runs) {
-        const RunBatch batch = {positions, runs, run, masked};
         if (run.count <= few && runs.count < few && !masked)
-            fold_short_runs<Fold>(start, batch);
+            fold_short_runs<Fold>(start, positions, runs, run);
         else
-            fold_batch<Fold>(start, batch);
+            fold_batch<Fold>(start, {positions, runs, run, masked});
         return true;
     });
 }

@@ -113,8 +113,11 @@ template <class Fold>
 
 template <class Fold>
 void fold_whole(typename Fold::Accumulator &accumulator, const NumericCall &call) {
+    const f90_ArrDesc &array = call.array;
     if (call.mask == nullptr && call.dense())
-        fold_run<Fold>(accumulator, base(call.array), element_size<Fold>, call.array.EXTENT);
+        fold_run<Fold>(accumulator, base(array), element_size<Fold>, array.EXTENT);
+    else if (call.mask == nullptr && call.rank == 1)
+        fold_run<Fold>(accumulator, base(array), byte_step(array, 0), extent(array.Dim[0]));
     else
         walk_whole<Fold>(accumulator, call);
 }
@@ -128,22 +131,21 @@ struct AlongDim {
 };
 
 // In a dense array the kept dimensions are neighbours below DIM and blocks above
-// it. Stride of the reduced dimension says how many neighbours there are.
+// it. Stride of the reduced dimension says how many neighbours there are, none if
+// a dimension below DIM is empty.
 inline void lay_out_dense(const NumericCall &call, std::ptrdiff_t size, AlongDim &along) {
-    const int reduced = call.dim - 1;
     const std::ptrdiff_t mask_size = call.mask == nullptr ? 0 : sizeof(Word);
-    const std::ptrdiff_t neighbours = call.array.Dim[reduced].Stride;
-    along.run.step = {{neighbours * size, neighbours * mask_size}};
-    std::int32_t blocks = 1;
-    for (int i = 0; i < call.rank; ++i) {
-        const std::int32_t elements = extent(call.array.Dim[i]);
-        if (i != reduced && elements == 0) along.kept.empty = true;
-        if (i > reduced) blocks *= elements;
-    }
-    if (along.kept.empty) return;
+    const std::ptrdiff_t neighbours = call.array.Dim[call.dim - 1].Stride;
     const std::ptrdiff_t block = along.run.count * neighbours;
-    add_dimension(along.kept, {static_cast<std::int32_t>(neighbours), {{size, mask_size, size}}});
-    add_dimension(along.kept, {blocks, {{block * size, block * mask_size, neighbours * size}}});
+    std::int32_t blocks = 1;
+    for (int i = call.dim; i < call.rank; ++i) blocks *= extent(call.array.Dim[i]);
+    along.run.step = {{neighbours * size, neighbours * mask_size}};
+    along.kept.empty = neighbours < 1 || blocks < 1;
+    if (neighbours > 1)
+        append_level(along.kept,
+                     {static_cast<std::int32_t>(neighbours), {{size, mask_size, size}}});
+    if (blocks > 1)
+        append_level(along.kept, {blocks, {{block * size, block * mask_size, neighbours * size}}});
 }
 
 inline void lay_out_spaced(const NumericCall &call, AlongDim &along) {
