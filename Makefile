@@ -7,7 +7,6 @@ FILTER ?=
 library_packages := g++ g++-multilib cmake ninja-build
 fortran_packages := $(library_packages) gfortran gfortran-multilib
 test_packages    := $(library_packages) googletest binutils pkg-config
-check_packages   := $(test_packages) clang-format clang-tidy
 
 .DEFAULT_GOAL := library
 .PHONY: library demo test bench install check sanitize format tidy coverage clean help
@@ -39,11 +38,12 @@ format: ## whether clang-format would change a file
 	@scripts/install-packages clang-format
 	git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run -Werror
 
+# clang finds no declarations of glibc's kind 16 functions, hence not the quad unit.
 tidy: library ## clang-tidy over the library
 	@scripts/install-packages clang-tidy
-	git ls-files 'src/*.cpp' | xargs -n 1 -P 2 clang-tidy --quiet -p build
+	git ls-files 'src/*.cpp' ':!src/host/quad.cpp' | xargs -n 1 -P 2 clang-tidy --quiet -p build
 
-check: format tidy test sanitize ## everything that CI runs
+check: test format tidy demo sanitize ## everything that CI runs
 
 bench: ## time the library beside its peers; FILTER=sum narrows it
 	@scripts/install-packages $(fortran_packages)

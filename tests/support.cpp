@@ -1,4 +1,4 @@
-// See support.h. Nothing here calls the library.
+// See support.h. Nothing here calls the library but to free a result.
 #include "support.h"
 
 #include <algorithm>
@@ -173,6 +173,30 @@ Call &Call::value(int number, std::int32_t value) {
 Call &Call::checked() {
     list.Flags = 1;
     return *this;
+}
+
+RandomResult::RandomResult(Random &random, const Shape &shape, int elsize, bool may_create)
+    : given(make_array(random, shape, elsize, any_layout(random))), before(given.storage),
+      create(may_create && pick(random, 0, 1) == 0) {}
+
+void RandomResult::attach(Call &call) {
+    create ? call.created_result(created) : call.result(given.descriptor);
+}
+
+const std::byte *RandomResult::at(std::size_t i) const {
+    if (!create) return given.storage.data() + given.offsets[i];
+    return static_cast<std::byte *>(created.BASE) + i * std::size_t(given.descriptor.ELSIZE);
+}
+
+std::string RandomResult::complaint(int used, int parts, int part) {
+    if (!create) return strays(given, before, used, parts, part);
+    f90_freespace(created.BASE);
+    bool right = created.RANK == given.descriptor.RANK && created.NONCONTIG == 0 &&
+                 created.ELSIZE == given.descriptor.ELSIZE &&
+                 created.EXTENT == given.descriptor.EXTENT;
+    for (std::size_t i = 0; i < given.shape.size(); ++i)
+        right = right && created.Dim[i].Lower == 1 && created.Dim[i].Upper == given.shape[i];
+    return right ? "" : "the created descriptor is wrong";
 }
 
 // ---- Processes --------------------------------------------------------------

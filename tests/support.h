@@ -90,6 +90,21 @@ private:
     f90_Slot &slot(int number);
 };
 
+// The result of a random call: the caller's, of any layout, or left to the library.
+struct RandomResult {
+    Array given;
+    std::vector<std::byte> before;
+    f90_ArrDesc created = {};
+    bool create;
+
+    RandomResult(Random &random, const Shape &shape, int elsize, bool may_create);
+    void attach(Call &call);
+    const std::byte *at(std::size_t i) const;
+    // What is wrong with it apart from its values: a created descriptor, or bytes
+    // outside of a given result's values (see strays). Frees what was created.
+    std::string complaint(int used, int parts = 1, int part = 0);
+};
+
 // What a call in a process of its own wrote, and its exit status.
 struct Outcome {
     int status;
