@@ -46,7 +46,7 @@ INSTANTIATE_TEST_SUITE_P(Members, LogicalReduction, testing::ValuesIn(members), 
 
 // True elements have one bit set, anywhere; `true_share` of 64 are true.
 Array random_mask(Random &random, const Shape &shape, int width, int true_share) {
-    Array mask = make_array(random, shape, width, any_layout(random), width == 8 ? 4 : 0);
+    Array mask = make_array(random, shape, width, coin(random), width == 8 ? 4 : 0);
     for (std::size_t i = 0; i < mask.size(); ++i) {
         std::memset(mask.at(i), 0, std::size_t(width));
         if (pick(random, 1, 64) <= true_share)
@@ -118,7 +118,7 @@ TEST_P(LogicalReduction, HoldsOverLongRuns) {
     Random random(1);
     const int length = 140000;
     const std::size_t places[] = {0, 15, 64, 4095, 65535, length - 1};
-    Array mask = make_array(random, {length}, member.width, Layout::Dense);
+    Array mask = make_array(random, {length}, member.width, false);
     const bool background = member.reduction != Reduction::Any;
     for (std::size_t i = 0; i < mask.size(); ++i)
         std::memset(mask.at(i), background ? 0x80 : 0, std::size_t(member.width));
@@ -138,28 +138,22 @@ TEST_P(LogicalReduction, ReportsMisuse) {
     const Member &member = GetParam();
     const char *const names[] = {"ALL", "ANY", "COUNT", "KOUNT"};
     const std::string name = names[int(member.reduction)];
-    const bool known = member.reduction != Reduction::Kount;
-    const std::string head = known ? "ERROR calling the intrinsic subprogram " + name + ":\n"
-                                   : "ERROR calling the error handler by the\n"
-                                     " intrinsic subprogram, signed by " +
-                                         name + ".\n";
     f90_ArrDesc mask = shaped({3, 0, 4}, member.width);
     f90_ArrDesc result = shaped({3, 5}, member.result_width);
+    const auto expect = [&](Call call, const std::string &message) {
+        call.array(1, mask).result(result);
+        EXPECT_EQ(fatal_message([&] { call(member.entry); }),
+                  name == "KOUNT" ? "ERROR calling the error handler by the\n"
+                                    " intrinsic subprogram, signed by KOUNT.\n"
+                                  : "ERROR calling the intrinsic subprogram " + name + message);
+    };
     // DIM is checked whether checks are wanted or not.
-    for (const int dim : {0, 4}) {
-        EXPECT_EQ(fatal_message(
-                      [&] { Call().array(1, mask).value(2, dim).result(result)(member.entry); }),
-                  head + (known ? " The DIM parameter had a value of " + std::to_string(dim) +
-                                      ".\n"
-                                      " Its value should be at least 1 and no larger than 3.\n"
-                                : ""));
-    }
-    EXPECT_EQ(fatal_message([&] {
-                  Call().checked().array(1, mask).value(2, 3).result(result)(member.entry);
-              }),
-              head + (known ? " The RESULT array has shape:    (3, 5).\n"
-                              " The shape of RESULT should be: (3, 0).\n"
-                            : ""));
+    for (const int dim : {0, 4})
+        expect(Call().value(2, dim),
+               ":\n The DIM parameter had a value of " + std::to_string(dim) +
+                   ".\n Its value should be at least 1 and no larger than 3.\n");
+    expect(Call().checked().value(2, 3), ":\n The RESULT array has shape:    (3, 5).\n"
+                                         " The shape of RESULT should be: (3, 0).\n");
 }
 
 } // namespace

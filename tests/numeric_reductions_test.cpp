@@ -90,11 +90,11 @@ enum class MaskKind { None, Array, True, False };
 
 Array random_mask(Random &random, const Shape &shape, MaskKind kind) {
     if (kind == MaskKind::True || kind == MaskKind::False) {
-        Array mask = make_array(random, {}, 4, Layout::Dense);
+        Array mask = make_array(random, {}, 4, false);
         write(mask.at(0), kind == MaskKind::True ? 0x80000000U : 0U);
         return mask;
     }
-    Array mask = make_array(random, shape, 4, any_layout(random));
+    Array mask = make_array(random, shape, 4, coin(random));
     const int quarters = pick(random, 0, 4);
     for (std::size_t i = 0; i < mask.size(); ++i)
         write(mask.at(i), pick(random, 1, 4) <= quarters ? 1U << pick(random, 0, 31) : 0U);
@@ -119,7 +119,7 @@ template <class T, class Operation> void try_random_call(Random &random, Operati
     const Shape shape = random_shape(random);
     const int rank = int(shape.size());
     const int unit = T::storage >= 8 && pick(random, 0, 2) == 0 ? 4 : 0;
-    Array array = make_array(random, shape, T::storage, any_layout(random), unit);
+    Array array = make_array(random, shape, T::storage, coin(random), unit);
     for (std::size_t i = 0; i < array.size(); ++i) T::put(array.at(i), T::random(random));
     const auto kind = static_cast<MaskKind>(pick(random, 0, 5) % 4);
     Array mask = random_mask(random, shape, kind);
@@ -148,9 +148,7 @@ template <class T> class NumericReduction : public testing::Test {};
 using Types = testing::Types<I1, I2, I4, I8, R4, R8, R10, R16, C8, C16, C20, C32>;
 struct TypeNames {
     template <class> static std::string GetName(int i) {
-        const char *const names[] = {"i1",  "i2",  "i4", "i8",  "r4",  "r8",
-                                     "r10", "r16", "c8", "c16", "c20", "c32"};
-        return names[i];
+        return std::string("i1 i2 i4 i8 r4 r8 r10r16c8 c16c20c32").substr(3 * std::size_t(i), 3);
     }
 };
 TYPED_TEST_SUITE(NumericReduction, Types, TypeNames);
@@ -200,71 +198,51 @@ TEST(NumericReductionValues, OnlyNoncontigBringsStrideIntoPlay) {
 
 // ---- Checks -----------------------------------------------------------------
 
-const char header[] = "ERROR calling the intrinsic subprogram SUM:\n";
-const char wrong_dim[] = " The DIM parameter had a value of 3.\n"
-                         " Its value should be at least 1 and no larger than 2.\n";
+const std::string header = "ERROR calling the intrinsic subprogram SUM:\n";
+const std::string wrong_dim = " The DIM parameter had a value of 3.\n"
+                              " Its value should be at least 1 and no larger than 2.\n";
 
-// SUM of a 3 x 4 array along dim, with a result and a mask of the given shapes.
-struct CheckedSum {
-    double element = 1;
-    double sum = 2;
-    std::uint32_t word = 1;
+// The message of SUM of a 3 x 4 array with arguments of these shapes.
+std::string message(int dim, f90_ArrDesc result, f90_ArrDesc mask, bool create = false) {
+    double storage = 1;
     f90_ArrDesc array = shaped({3, 4}, 8);
-    f90_ArrDesc result;
-    f90_ArrDesc mask;
-    Call call;
-
-    CheckedSum(int dim, f90_ArrDesc result_shape, f90_ArrDesc mask_shape)
-        : result(result_shape), mask(mask_shape) {
-        array.BASE = &element;
-        result.BASE = &sum;
-        mask.BASE = &word;
-        call.checked().array(1, array).value(2, dim).result(result).array(3, mask);
-    }
-    std::string message() {
-        return fatal_message([this] { call(f90_sumr8); });
-    }
-};
+    array.BASE = result.BASE = mask.BASE = &storage;
+    return fatal_message([&] {
+        Call()
+            .checked()
+            .array(0, result, !create)
+            .array(1, array)
+            .value(2, dim)
+            .array(3, mask)(f90_sumr8);
+    });
+}
 
 TEST(NumericReductionChecks, ReportInOrder) {
-    EXPECT_EQ(CheckedSum(3, shaped({9}, 8), shaped({9, 9}, 4)).message(),
-              std::string(header) + wrong_dim);
-    EXPECT_EQ(CheckedSum(2, shaped({9}, 8), shaped({9, 9}, 4)).message(),
-              std::string(header) + " The RESULT array has shape:    (9).\n"
-                                    " The shape of RESULT should be: (3).\n");
-    EXPECT_EQ(CheckedSum(1, shaped({4}, 8), shaped({3, 9}, 4)).message(),
-              std::string(header) + " Array arguments ARRAY and MASK should have the same shape.\n"
-                                    " The shape of argument ARRAY is: (3, 4).\n"
-                                    " The shape of argument MASK is:  (3, 9).\n");
+    const f90_ArrDesc nine = shaped({9}, 8);
+    EXPECT_EQ(message(3, nine, shaped({9, 9}, 4)), header + wrong_dim);
+    EXPECT_EQ(message(3, f90_ArrDesc{}, shaped({9, 9}, 4), true), header + wrong_dim);
+    EXPECT_EQ(message(2, nine, shaped({9, 9}, 4)), header +
+                                                       " The RESULT array has shape:    (9).\n"
+                                                       " The shape of RESULT should be: (3).\n");
+    EXPECT_EQ(message(1, shaped({4}, 8), shaped({3, 9}, 4)),
+              header + " Array arguments ARRAY and MASK should have the same shape.\n"
+                       " The shape of argument ARRAY is: (3, 4).\n"
+                       " The shape of argument MASK is:  (3, 9).\n");
 }
 
-TEST(NumericReductionChecks, ReportAfterCreatingTheResult) {
-    f90_ArrDesc array = shaped({3, 4}, 8);
-    f90_ArrDesc result = {};
-    const auto call = [&] {
-        Call().checked().array(1, array).value(2, 3).created_result(result)(f90_sumr8);
-    };
-    EXPECT_EQ(fatal_message(call), std::string(header) + wrong_dim);
-}
-
-TEST(NumericReductionChecks, ExtentsZeroAndOneAreEqual) {
-    f90_ArrDesc array = shaped({0, 2}, 4);
-    std::int32_t sums[2] = {7, 7};
-    f90_ArrDesc result = shaped({1}, 4);
-    result.BASE = sums;
-    Call().checked().array(1, array).value(2, 2).result(result)(f90_sumi4);
-    EXPECT_EQ(sums[0], 7) << "an empty kept dimension writes nothing";
-    EXPECT_EQ(sums[1], 7);
-}
-
-TEST(NumericReductionChecks, AreOffWithoutTheFlag) {
+// Extents 0 and 1 are equal, and nothing is checked without the flag.
+TEST(NumericReductionChecks, LetPass) {
     std::int32_t numbers[] = {1, 2, 3, 4};
-    std::int32_t sums[2] = {};
-    f90_ArrDesc array = shaped({2, 2}, 4);
-    array.BASE = numbers;
-    f90_ArrDesc result = shaped({9}, 4);
-    result.BASE = sums;
-    Call().array(1, array).value(2, 2).result(result)(f90_sumi4);
+    std::int32_t sums[] = {7, 7};
+    f90_ArrDesc empty = shaped({0, 2}, 4);
+    f90_ArrDesc square = shaped({2, 2}, 4);
+    square.BASE = numbers;
+    f90_ArrDesc one = shaped({1}, 4);
+    f90_ArrDesc nine = shaped({9}, 4);
+    one.BASE = nine.BASE = sums;
+    Call().checked().array(1, empty).value(2, 2).result(one)(f90_sumi4);
+    EXPECT_EQ(sums[0], 7) << "an empty kept dimension writes nothing";
+    Call().array(1, square).value(2, 2).result(nine)(f90_sumi4);
     EXPECT_EQ(sums[0], 4);
     EXPECT_EQ(sums[1], 6);
 }

@@ -4,20 +4,15 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <numeric>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace test {
 
-namespace {
-
-int from_environment(const char *name, int otherwise) {
+static int from_environment(const char *name, int otherwise) {
     const char *text = std::getenv(name);
     return text == nullptr ? otherwise : std::atoi(text);
 }
-
-} // namespace
 
 unsigned random_seed() { return unsigned(from_environment("QUILLFN_SEED", 1)); }
 int random_rounds(int usual) { return usual * from_environment("QUILLFN_ROUNDS", 1); }
@@ -25,17 +20,12 @@ int random_rounds(int usual) { return usual * from_environment("QUILLFN_ROUNDS",
 // ---- Arrays -----------------------------------------------------------------
 
 std::size_t elements(const Shape &shape) {
-    return std::accumulate(
-        shape.begin(), shape.end(), std::size_t{1},
-        [](std::size_t n, std::int32_t extent) { return n * std::size_t(extent); });
+    std::size_t count = 1;
+    for (const std::int32_t extent : shape) count *= std::size_t(extent);
+    return count;
 }
 
-Layout any_layout(Random &random) {
-    return pick(random, 0, 1) == 0 ? Layout::Dense : Layout::Spaced;
-}
-
-Array make_array(Random &random, const Shape &shape, int elsize, Layout layout, int unit) {
-    const bool spaced = layout == Layout::Spaced;
+Array make_array(Random &random, const Shape &shape, int elsize, bool spaced, int unit) {
     if (!spaced || unit == 0) unit = elsize;
     Array array;
     array.shape = shape;
@@ -60,8 +50,7 @@ Array make_array(Random &random, const Shape &shape, int elsize, Layout layout, 
         if (shape[i] != 0 || !spaced) stride *= shape[i];
     }
     const int guard = 64;
-    const int shift =
-        std::min(elsize, 4) == 4 ? 4 * pick(random, 0, 15) : pick(random, 0, 15) * (elsize % 4);
+    const int shift = pick(random, 0, 15) * std::min(elsize, 4);
     array.storage.assign(static_cast<std::size_t>(highest - lowest + elsize + 3 * guard),
                          std::byte{0xA5});
     const std::ptrdiff_t first = guard + shift - lowest;
@@ -143,40 +132,10 @@ f90_ArrDesc shaped(std::initializer_list<std::int32_t> extents, int elsize) {
     return d;
 }
 
-// ---- Calls ------------------------------------------------------------------
-
-f90_Slot &Call::slot(int number) {
-    f90_Slot *const slots[] = {&list.Result, &list.Arg1, &list.Arg2, &list.Arg3, &list.Arg4};
-    return *slots[number];
-}
-
-Call &Call::array(int number, f90_ArrDesc &descriptor) {
-    slot(number).Word0 = reinterpret_cast<std::uintptr_t>(&descriptor);
-    list.Presence = static_cast<std::uint16_t>(list.Presence | 1U << number);
-    return *this;
-}
-
-Call &Call::result(f90_ArrDesc &given) { return array(0, given); }
-
-Call &Call::created_result(f90_ArrDesc &empty) {
-    array(0, empty);
-    list.Presence = static_cast<std::uint16_t>(list.Presence & ~1U);
-    return *this;
-}
-
-Call &Call::value(int number, std::int32_t value) {
-    slot(number) = {static_cast<std::uintptr_t>(value), 0xDEADBEEF};
-    list.Presence = static_cast<std::uint16_t>(list.Presence | 1U << number);
-    return *this;
-}
-
-Call &Call::checked() {
-    list.Flags = 1;
-    return *this;
-}
+// ---- Results ----------------------------------------------------------------
 
 RandomResult::RandomResult(Random &random, const Shape &shape, int elsize, bool may_create)
-    : given(make_array(random, shape, elsize, any_layout(random))), before(given.storage),
+    : given(make_array(random, shape, elsize, coin(random))), before(given.storage),
       create(may_create && pick(random, 0, 1) == 0) {}
 
 void RandomResult::attach(Call &call) {
@@ -201,17 +160,13 @@ std::string RandomResult::complaint(int used, int parts, int part) {
 
 // ---- Processes --------------------------------------------------------------
 
-namespace {
-
-std::string drain(std::FILE *file) {
+static std::string contents(std::FILE *file) {
     std::rewind(file);
-    std::string text;
-    for (int c; (c = std::fgetc(file)) != EOF;) text += static_cast<char>(c);
+    std::string text(1 << 16, ' ');
+    text.resize(std::fread(text.data(), 1, text.size(), file));
     std::fclose(file);
     return text;
 }
-
-} // namespace
 
 Outcome in_child(const std::function<void()> &body) {
     std::FILE *out = std::tmpfile();
@@ -227,7 +182,7 @@ Outcome in_child(const std::function<void()> &body) {
     }
     int status = 0;
     waitpid(child, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, drain(out), drain(err)};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(out), contents(err)};
 }
 
 std::string fatal_message(const std::function<void()> &body) {

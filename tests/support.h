@@ -23,6 +23,8 @@ inline int pick(Random &random, int lowest, int highest) {
     return std::uniform_int_distribution<int>(lowest, highest)(random);
 }
 
+inline bool coin(Random &random) { return pick(random, 0, 1) == 0; }
+
 // Seed and number of rounds of a randomised test; QUILLFN_SEED and QUILLFN_ROUNDS
 // (a factor) in the environment change them for longer runs.
 unsigned random_seed();
@@ -48,13 +50,10 @@ struct Array {
     std::byte *at(std::size_t i) { return storage.data() + offsets[i]; }
 };
 
-enum class Layout { Dense, Spaced };
-
-// Spaced arrays have gaps, strides of both signs and, where `unit` is less than
-// the element's size, a SCALEFACTOR of `unit` bytes. Bases are aligned to 4 bytes
-// at the most; NONCONTIG may be set on dense arrays too.
-Array make_array(Random &random, const Shape &shape, int elsize, Layout layout, int unit = 0);
-Layout any_layout(Random &random);
+// Dense arrays, or ones that are spaced: these have gaps, strides of both signs and, where `unit`
+// is less than the element's size, a SCALEFACTOR of `unit` bytes. Bases are aligned to 4 bytes at
+// the most; NONCONTIG may be set on dense arrays too.
+Array make_array(Random &random, const Shape &shape, int elsize, bool spaced, int unit = 0);
 
 // Ranks 1 to 7, small extents, some of them 0; or one long dimension.
 Shape random_shape(Random &random, int lowest_rank = 1);
@@ -75,19 +74,25 @@ f90_ArrDesc scalar(void *value, int elsize);
 // A dense array without storage, of the given extents.
 f90_ArrDesc shaped(std::initializer_list<std::int32_t> extents, int elsize);
 
-// A record under construction; set bits of Presence as it goes.
+// A record under construction; sets bits of Presence as it goes. Numbers are those
+// of the slots: 0 the result, 1 to 4 the arguments.
 struct Call {
     f90_ArgList list = {};
 
-    Call &result(f90_ArrDesc &given);
-    Call &created_result(f90_ArrDesc &empty);
-    Call &array(int number, f90_ArrDesc &descriptor); // Arg<number>
-    Call &value(int number, std::int32_t value);
-    Call &checked();
+    Call &slot(int number, std::uintptr_t word, bool present = true) {
+        f90_Slot *const slots[] = {&list.Result, &list.Arg1, &list.Arg2, &list.Arg3, &list.Arg4};
+        *slots[number] = {word, 0xDEADBEEF};
+        list.Presence = static_cast<std::uint16_t>(list.Presence | int{present} << number);
+        return *this;
+    }
+    Call &array(int number, f90_ArrDesc &descriptor, bool present = true) {
+        return slot(number, reinterpret_cast<std::uintptr_t>(&descriptor), present);
+    }
+    Call &result(f90_ArrDesc &given) { return array(0, given); }
+    Call &created_result(f90_ArrDesc &empty) { return array(0, empty, false); }
+    Call &value(int number, int value) { return slot(number, std::uintptr_t(value)); }
+    Call &checked() { return list.Flags = 1, *this; }
     void operator()(f90_Intrinsic *intrinsic) { intrinsic(&list); }
-
-private:
-    f90_Slot &slot(int number);
 };
 
 // The result of a random call: the caller's, of any layout, or left to the library.
