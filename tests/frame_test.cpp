@@ -82,7 +82,7 @@ TEST(Creation, RefusesWhatNoAddressHolds) {
 TEST(Section, ClipsTriplets) {
     constexpr std::int32_t by_default = f90_DefaultBound;
     const struct {
-        f90_SectionDim spec;
+        f90_SectionDim subscripts;
         std::int32_t upper, stride;
         int first; // subscript in the parent of the first element; 0: empty
     } cases[] = {
@@ -99,8 +99,8 @@ TEST(Section, ClipsTriplets) {
     parent.BASE = storage;
     for (const auto &c : cases) {
         f90_ArrDesc s = {};
-        f90_CreateSection(&parent, &c.spec, &s);
-        SCOPED_TRACE(c.spec.Lower);
+        f90_CreateSection(&parent, &c.subscripts, &s);
+        SCOPED_TRACE(c.subscripts.Lower);
         EXPECT_EQ(s.NONCONTIG, 1);
         EXPECT_EQ(s.EXTENT, c.upper);
         EXPECT_EQ(s.Dim[0].Lower, 1);
@@ -124,27 +124,27 @@ TEST(Section, WalkVisitsTheElements) {
             bounds.push_back(bounds.back() + pick(random, 0, rank > 4 ? 2 : 6));
         }
         f90_CreateArray(rank, bounds.data(), 4, &parent.array);
-        std::vector<f90_SectionDim> specs;
+        std::vector<f90_SectionDim> subscripts;
         std::vector<std::byte *> expected = {static_cast<std::byte *>(parent.array.BASE)};
         int triplets = 0;
         for (int i = 0; i < rank; ++i) {
             const auto [lo, hi, stride] = parent.array.Dim[i];
-            f90_SectionDim spec = {pick(random, 0, 3) == 0 ? 1 : 3, pick(random, lo - 3, hi + 3),
-                                   pick(random, lo - 3, hi + 3), pick(random, 1, 3)};
-            if (pick(random, 0, 1) == 0) spec.Stride = -spec.Stride;
-            if (spec.Kind == 1 && pick(random, 0, 4) != 0) spec.Lower = pick(random, lo, hi);
-            specs.push_back(spec);
-            if (spec.Kind == 1) spec.Upper = spec.Lower; // a triplet of one, for the model
-            triplets += spec.Kind == 3;
+            f90_SectionDim triplet = {pick(random, 0, 3) == 0 ? 1 : 3, pick(random, lo - 3, hi + 3),
+                                      pick(random, lo - 3, hi + 3), pick(random, 1, 3)};
+            if (pick(random, 0, 1) == 0) triplet.Stride = -triplet.Stride;
+            if (triplet.Kind == 1 && pick(random, 0, 4) != 0) triplet.Lower = pick(random, lo, hi);
+            subscripts.push_back(triplet);
+            if (triplet.Kind == 1) triplet.Upper = triplet.Lower; // a triplet of one, for the model
+            triplets += triplet.Kind == 3;
             std::vector<std::byte *> inner;
             inner.swap(expected);
-            for (int s = spec.Lower; spec.Stride > 0 ? s <= spec.Upper : s >= spec.Upper;
-                 s += spec.Stride)
+            for (int s = triplet.Lower;
+                 triplet.Stride > 0 ? s <= triplet.Upper : s >= triplet.Upper; s += triplet.Stride)
                 for (std::byte *element : inner)
                     if (lo <= s && s <= hi) expected.push_back(element + 4 * (s - lo) * stride);
         }
         Guarded section;
-        f90_CreateSection(&parent.array, specs.data(), &section.array);
+        f90_CreateSection(&parent.array, subscripts.data(), &section.array);
         std::vector<std::byte *> visited;
         for (void *e = f90_FirstElemAddr(&section.array); e != nullptr; e = f90_NextElemAddr())
             visited.push_back(static_cast<std::byte *>(e));

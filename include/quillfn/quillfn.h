@@ -108,9 +108,9 @@ QUILLFN_EXPORT void f90_CreateArray(int32_t rank, const int32_t *bounds, int32_t
                                     f90_ArrDesc *array);
 
 /* Describes a section of a dense array in *section; it shares the storage.
- * specs holds one record per dimension of parent. Triplets are clipped to the
+ * subscripts holds one record per dimension of parent. Triplets are clipped to the
  * bounds; a single subscript out of bounds gives an empty section. */
-QUILLFN_EXPORT void f90_CreateSection(const f90_ArrDesc *parent, const f90_SectionDim *specs,
+QUILLFN_EXPORT void f90_CreateSection(const f90_ArrDesc *parent, const f90_SectionDim *subscripts,
                                       f90_ArrDesc *section);
 
 /* Address of the element with the given subscripts, one int32_t per dimension. */

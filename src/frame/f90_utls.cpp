@@ -84,17 +84,17 @@ std::uint64_t lay_out_densely(f90_ArrDesc &array) {
 
 // ---- Sections ---------------------------------------------------------------
 
-// A subscript record with its defaults replaced and its ends clipped to members
-// of the progression within the parent's bounds. Wider than the record, so that
-// no clipping overflows.
-struct Subscripts {
+// The subscripts that a record takes of its dimension: defaults replaced, ends
+// clipped to members within the parent's bounds. Wider than the record, so that no
+// clipping overflows.
+struct Progression {
     bool is_triplet;
     std::int64_t lower;
     std::int64_t upper;
     std::int64_t stride;
 };
 
-Subscripts normalised(const f90_SectionDim &record, const f90_DimInfo &bounds) {
+Progression normalised(const f90_SectionDim &record, const f90_DimInfo &bounds) {
     if (record.Kind == 1) return {false, record.Lower, record.Upper, record.Stride};
     const std::int64_t lo = bounds.Lower;
     const std::int64_t hi = bounds.Upper;
@@ -186,7 +186,7 @@ void f90_CreateArray(std::int32_t rank, const std::int32_t *bounds, std::int32_t
     f90_CreateArrayM(array);
 }
 
-void f90_CreateSection(const f90_ArrDesc *parent, const f90_SectionDim *specs,
+void f90_CreateSection(const f90_ArrDesc *parent, const f90_SectionDim *subscripts,
                        f90_ArrDesc *section) {
     const int parent_rank = parent->RANK;
     const std::int32_t elsize = parent->ELSIZE;
@@ -198,16 +198,16 @@ void f90_CreateSection(const f90_ArrDesc *parent, const f90_SectionDim *specs,
     int rank = 0;
     for (int i = 0; i < parent_rank; ++i) {
         const f90_DimInfo bounds = parent->Dim[i];
-        const quill::Subscripts subscripts = quill::normalised(specs[i], bounds);
-        first += static_cast<std::uint32_t>(subscripts.lower - bounds.Lower) * multiplier;
-        if (subscripts.is_triplet) {
-            const std::uint32_t stride = multiplier * static_cast<std::uint32_t>(subscripts.stride);
-            const std::int64_t last = (subscripts.upper - subscripts.lower) / subscripts.stride + 1;
+        const quill::Progression taken = quill::normalised(subscripts[i], bounds);
+        first += static_cast<std::uint32_t>(taken.lower - bounds.Lower) * multiplier;
+        if (taken.is_triplet) {
+            const std::uint32_t stride = multiplier * static_cast<std::uint32_t>(taken.stride);
+            const std::int64_t last = (taken.upper - taken.lower) / taken.stride + 1;
             section->Dim[rank++] = {1, static_cast<std::int32_t>(last),
                                     static_cast<std::int32_t>(stride)};
             origin += stride;
             elements *= static_cast<std::uint32_t>(last);
-        } else if (!quill::within(subscripts.lower, bounds)) {
+        } else if (!quill::within(taken.lower, bounds)) {
             in_bounds = false;
         }
         multiplier *=
