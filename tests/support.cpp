@@ -25,7 +25,7 @@ std::size_t elements(const Shape &shape) {
     return count;
 }
 
-Array make_array(Random &random, const Shape &shape, int elsize, bool spaced, int unit) {
+Array make_array(Random &random, const Shape &shape, int elsize, bool spaced, int unit, int guard) {
     if (!spaced || unit == 0) unit = elsize;
     Array array;
     array.shape = shape;
@@ -49,9 +49,8 @@ Array make_array(Random &random, const Shape &shape, int elsize, bool spaced, in
         (reach < 0 ? lowest : highest) += reach;
         if (shape[i] != 0 || !spaced) stride *= shape[i];
     }
-    const int guard = 64;
-    const int shift = pick(random, 0, 15) * std::min(elsize, 4);
-    array.storage.assign(static_cast<std::size_t>(highest - lowest + elsize + 3 * guard),
+    const int shift = pick(random, 0, 3) * std::min(elsize, 4);
+    array.storage.assign(static_cast<std::size_t>(highest - lowest + elsize + shift + 2 * guard),
                          std::byte{0xA5});
     const std::ptrdiff_t first = guard + shift - lowest;
 
@@ -135,7 +134,7 @@ f90_ArrDesc shaped(std::initializer_list<std::int32_t> extents, int elsize) {
 // ---- Results ----------------------------------------------------------------
 
 RandomResult::RandomResult(Random &random, const Shape &shape, int elsize, bool may_create)
-    : given(make_array(random, shape, elsize, coin(random))), before(given.storage),
+    : given(make_array(random, shape, elsize, coin(random), 0, 64)), before(given.storage),
       create(may_create && pick(random, 0, 1) == 0) {}
 
 void RandomResult::attach(Call &call) {
