@@ -157,6 +157,11 @@ const Row rows[] = {
     {"sum r8", f90_sumr8, sum_r8_dim2, real8, real8, Values::Sixteenths, Form::Along, dim2},
     {"sum i4", f90_sumi4, sum_i4_dim1, int4, int4, Values::Integers, Form::Along, dim1},
     {"sum i4", f90_sumi4, sum_i4_dim2, int4, int4, Values::Integers, Form::Along, dim2},
+    // With a DIM that is known at run time only, the peer calls its library.
+    {"sum r8 variable", f90_sumr8, sum_r8_dim, real8, real8, Values::Sixteenths, Form::Along, dim1},
+    {"sum r8 variable", f90_sumr8, sum_r8_dim, real8, real8, Values::Sixteenths, Form::Along, dim2},
+    {"sum i4 variable", f90_sumi4, sum_i4_dim, int4, int4, Values::Integers, Form::Along, dim1},
+    {"sum i4 variable", f90_sumi4, sum_i4_dim, int4, int4, Values::Integers, Form::Along, dim2},
 
     {"sum r4 masked", f90_sumr4, sum_r4_masked, real4, real4, Values::Sixteenths, Form::Masked, caches},
     {"sum r8 masked", f90_sumr8, sum_r8_masked, real8, real8, Values::Sixteenths, Form::Masked, caches},

@@ -129,7 +129,7 @@ void absorb_lanes(typename Fold::Accumulator &accumulator,
                                               }));
 }
 
-// The same for long runs. Under AVX2 it is the encoding that counts: SSE code is
+// fold_spaced for long runs. Under AVX2 it is the encoding that counts: SSE code is
 // slowed down by what AVX code of the caller leaves in the registers.
 template <class Fold> struct SpacedFold {
     template <int>

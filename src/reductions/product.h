@@ -1,7 +1,7 @@
 // PRODUCT as a fold, for the units f90_prod and f90_prod_xp.
 #pragma once
 
-#include "reductions/sum.h"
+#include "reductions/numeric_reduction.h"
 
 namespace quill {
 
@@ -34,7 +34,10 @@ template <class Part> struct Product<Complex<Part>> : NumericFold<Complex<Part>>
     using Accumulator = typename NumericFold<Complex<Part>>::Accumulator;
     static constexpr const char *name = "PRODUCT";
 
-    static Accumulator start() { return {Product<Part>::start(), Sum<Part>::start()}; }
+    static Accumulator start() {
+        using AccumulatorPart = typename AccumulatorOf<Part>::type;
+        return {number<AccumulatorPart>(1), number<AccumulatorPart>(0)};
+    }
     static Accumulator step(const Accumulator &product, const Complex<Part> &element) {
         const auto [a, b] = product;
         return {a * element.re - b * element.im, a * element.im + b * element.re};

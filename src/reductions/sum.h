@@ -29,10 +29,7 @@ template <class Part> struct Sum<Complex<Part>> : NumericFold<Complex<Part>> {
     using Accumulator = typename NumericFold<Complex<Part>>::Accumulator;
     static constexpr const char *name = "SUM";
 
-    static Accumulator start() {
-        using Sums = Sum<Part>;
-        return {Sums::start(), Sums::start()};
-    }
+    static Accumulator start() { return {Sum<Part>::start(), Sum<Part>::start()}; }
     static Accumulator step(const Accumulator &sum, const Complex<Part> &element) {
         return {Sum<Part>::step(sum.re, element.re), Sum<Part>::step(sum.im, element.im)};
     }
