@@ -46,12 +46,9 @@ TEST(Host, SuppliesTheStorage) {
 }
 
 // Calls intrinsic with the stack pointer `bytes` below a 16-byte boundary.
-void call_on_stack(f90_Intrinsic *intrinsic, f90_ArgList *list, std::uintptr_t bytes) {
-    struct {
-        f90_Intrinsic *intrinsic;
-        f90_ArgList *list;
-        std::uintptr_t bytes;
-    } const call = {intrinsic, list, bytes};
+void call_on_stack(f90_Intrinsic *intrinsic, Call call, std::uintptr_t bytes) {
+    const std::uintptr_t words[] = {reinterpret_cast<std::uintptr_t>(intrinsic),
+                                    reinterpret_cast<std::uintptr_t>(&call.list), bytes};
     asm volatile("movl %%esp, %%esi\n\t"
                  "andl $-16, %%esp\n\t"
                  "subl 8(%%edi), %%esp\n\t"
@@ -59,18 +56,15 @@ void call_on_stack(f90_Intrinsic *intrinsic, f90_ArgList *list, std::uintptr_t b
                  "call *(%%edi)\n\t"
                  "movl %%esi, %%esp"
                  :
-                 : "D"(&call)
+                 : "D"(words)
                  : "esi", "eax", "ecx", "edx", "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5",
                    "xmm6", "xmm7", "memory", "cc");
 }
 
 // SUM along dim of a matrix of ones.
 template <class T> struct Ones {
-    std::vector<T> numbers;
-    std::vector<T> sums;
-    f90_ArrDesc array;
-    f90_ArrDesc result;
-    Call call;
+    std::vector<T> numbers, sums;
+    f90_ArrDesc array, result;
 
     Ones(int rows, int columns, int dim)
         : numbers(std::size_t(rows * columns), T(1)), sums(std::size_t(dim == 1 ? columns : rows)),
@@ -78,21 +72,21 @@ template <class T> struct Ones {
           result(shaped({std::int32_t(sums.size())}, sizeof(T))) {
         array.BASE = numbers.data();
         result.BASE = sums.data();
-        call.checked().array(1, array).value(2, dim).result(result);
     }
+    Call call(int dim) { return Call().checked().array(1, array).value(2, dim).result(result); }
 };
 
 TEST(Host, KeepsTheStackOnlyWordAligned) {
     for (const std::uintptr_t bytes : {0U, 4U, 8U, 12U}) {
         for (const int dim : {1, 2}) {
             Ones<double> reals(40, 40, dim);
-            call_on_stack(f90_sumr8, &reals.call.list, bytes);
+            call_on_stack(f90_sumr8, reals.call(dim), bytes);
             EXPECT_EQ(reals.sums, std::vector<double>(40, 40.0));
             Ones<std::uint16_t> integers(40, 40, dim);
-            call_on_stack(f90_sumi2, &integers.call.list, bytes);
+            call_on_stack(f90_sumi2, integers.call(dim), bytes);
             EXPECT_EQ(integers.sums, std::vector<std::uint16_t>(40, 40));
             Ones<__float128> quads(5, 5, dim);
-            call_on_stack(f90_sumr16, &quads.call.list, bytes);
+            call_on_stack(f90_sumr16, quads.call(dim), bytes);
             EXPECT_TRUE(quads.sums[4] == 5);
         }
     }
@@ -104,9 +98,7 @@ TEST(Host, RunsThreadsOnDifferentData) {
     std::vector<std::thread> threads;
     for (auto &ones : work)
         threads.emplace_back([&ones] {
-            ones.call.list.Result.Word0 = reinterpret_cast<std::uintptr_t>(&ones.result);
-            ones.call.list.Arg1.Word0 = reinterpret_cast<std::uintptr_t>(&ones.array);
-            for (int i = 0; i < 2000; ++i) ones.call(f90_sumr8);
+            for (int i = 0; i < 2000; ++i) ones.call(2)(f90_sumr8);
         });
     for (auto &thread : threads) thread.join();
     for (const auto &ones : work) EXPECT_EQ(ones.sums, std::vector<double>(ones.sums.size(), 60.0));

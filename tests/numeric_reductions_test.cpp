@@ -107,7 +107,7 @@ std::vector<typename T::Value> naive(Operation operation, Array &array, int dim,
     const Shape result = dim == 0 ? Shape{} : without(array.shape, dim);
     std::vector<typename T::Value> values(elements(result), T::start(operation));
     for (std::size_t i = 0; i < array.size() && kind != MaskKind::False; ++i) {
-        if (kind == MaskKind::Array && read<std::uint32_t>(mask.at(i)) == 0) continue;
+        if (kind == MaskKind::Array && I4::get(mask.at(i)) == 0) continue;
         auto &value = values[result_index(array.shape, dim, i)];
         value = T::step(operation, value, T::get(array.at(i)));
     }

@@ -63,7 +63,6 @@ Array make_array(Random &random, const Shape &shape, int elsize, bool spaced, in
         for (std::size_t i = 0; i < shape.size() && ++subscripts[i] == shape[i]; ++i)
             subscripts[i] = 0;
     }
-    // An empty array has no storage to point at.
     d.BASE = array.size() == 0 ? nullptr : array.storage.data() + first;
     std::uintptr_t zero = reinterpret_cast<std::uintptr_t>(d.BASE);
     for (std::size_t i = 0; i < shape.size(); ++i)
@@ -185,9 +184,8 @@ Outcome in_child(const std::function<void()> &body) {
 }
 
 std::string fatal_message(const std::function<void()> &body) {
-    const Outcome outcome = in_child(body);
-    if (outcome.status != 1) return "status " + std::to_string(outcome.status) + ": " + outcome.err;
-    return outcome.err;
+    const auto [status, out, err] = in_child(body);
+    return status == 1 ? err : "status " + std::to_string(status) + ": " + err;
 }
 
 } // namespace test

@@ -30,11 +30,6 @@ inline bool coin(Random &random) { return pick(random, 0, 1) == 0; }
 unsigned random_seed();
 int random_rounds(int usual);
 
-template <class T> T read(const std::byte *at) {
-    T value;
-    std::memcpy(&value, at, sizeof value);
-    return value;
-}
 template <class T> void write(std::byte *at, const T &value) {
     std::memcpy(at, &value, sizeof value);
 }
