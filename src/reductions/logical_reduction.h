@@ -5,7 +5,7 @@
 
 #include "frame/checks.h"
 #include "frame/creation.h"
-#include "reductions/folds.h"
+#include "reductions/fold_along.h"
 
 namespace quill {
 

@@ -5,7 +5,7 @@
 
 #include "frame/checks.h"
 #include "frame/creation.h"
-#include "reductions/folds.h"
+#include "reductions/fold_along.h"
 
 namespace quill {
 
@@ -103,10 +103,7 @@ template <class Fold>
         return fold_masked_run<Fold>(accumulator, first,
                                      {call.array.EXTENT, {{element_size<Fold>, sizeof(Word)}}});
     for_each_run(whole_array(call), first, [&](const Positions<2> &from, const Run<2> &run) {
-        if (call.mask != nullptr)
-            fold_masked_run<Fold>(accumulator, from, run);
-        else
-            fold_run<Fold>(accumulator, from.at[Array], run.step.by[Array], run.count);
+        fold_masked_or_not<Fold>(accumulator, from, run, call.mask != nullptr);
         return true;
     });
 }
