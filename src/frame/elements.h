@@ -7,7 +7,6 @@
 #include "frame/records.h"
 #include "host/quad.h"
 
-#include <cstring>
 #include <type_traits>
 
 namespace quill {
@@ -25,7 +24,7 @@ using Int8 = std::uint64_t;
 using Real4 = float;
 using Real8 = double;
 using Real10 = long double; // 10 bytes in 12
-using Real16 = Quad;
+using Real16 = __float128;
 using Complex8 = Complex<Real4>;
 using Complex16 = Complex<Real8>;
 using Complex20 = Complex<Real10>; // imaginary part at byte 12
@@ -39,7 +38,6 @@ using Word = std::uint32_t;
 // Whether the processor's vectors hold a T, or its parts.
 template <class T> constexpr bool is_vectorisable = !std::is_same_v<T, Real10>;
 template <> inline constexpr bool is_vectorisable<Real16> = false;
-template <> inline constexpr bool is_vectorisable<__float128> = false;
 template <class Part> constexpr bool is_vectorisable<Complex<Part>> = is_vectorisable<Part>;
 
 // A value in another width of its type.
@@ -55,23 +53,17 @@ template <class To, class From> To converted(const From &from) {
     return Conversion<To, From>::of(from);
 }
 
-// An element in storage, whatever it was stored as.
+// An element in storage, whatever it was stored as. Of an 80-bit real, 10 bytes
+// are moved: the other 2 are nobody's.
 template <class T> struct Storage {
-    static T load(ConstBytes at) {
-        T element;
-        std::memcpy(&element, at, sizeof element);
-        return element;
-    }
-    static void store(Bytes at, const T &element) { std::memcpy(at, &element, sizeof element); }
-};
-
-// Of an 80-bit real, 10 bytes are moved: the other 2 are nobody's.
-template <class T>
-requires std::is_arithmetic_v<T>
-struct Storage<T> {
     typedef T __attribute__((may_alias, aligned(alignof(T) < 4 ? alignof(T) : 4))) Stored;
     static T load(ConstBytes at) { return *reinterpret_cast<const Stored *>(at); }
     static void store(Bytes at, const T &element) { *reinterpret_cast<Stored *>(at) = element; }
+};
+
+template <> struct Storage<Real16> {
+    static Real16 load(ConstBytes at) { return reinterpret_cast<const Quad *>(at)->number; }
+    static void store(Bytes at, Real16 element) { reinterpret_cast<Quad *>(at)->number = element; }
 };
 
 template <class Part> struct Storage<Complex<Part>> {

@@ -8,7 +8,7 @@ namespace quill {
 
 // Four words, low first: the high one holds the sign in bit 31, the exponent in
 // bits 30 to 16 and the top of the fraction.
-struct [[gnu::packed, gnu::aligned(4)]] Quad {
+struct [[gnu::packed, gnu::aligned(4), gnu::may_alias]] Quad {
     __float128 number;
 
     Quad() = default;

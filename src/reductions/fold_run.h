@@ -129,8 +129,8 @@ void absorb_lanes(typename Fold::Accumulator &accumulator,
                                               }));
 }
 
-// fold_spaced for long runs. Under AVX2 it is the encoding that counts: SSE code is
-// slowed down by what AVX code of the caller leaves in the registers.
+// fold_spaced for long runs of what SSE registers hold. Under AVX2 it is the encoding
+// that counts: SSE code is slowed down by what AVX code of the caller leaves in them.
 template <class Fold> struct SpacedFold {
     template <int>
     static void run(typename Fold::Accumulator &accumulator, ConstBytes array, std::ptrdiff_t step,
@@ -157,7 +157,10 @@ template <class Fold>
         if (step == size) return run_vectorised<DenseFold<Fold, 1>>(accumulator, array, count);
         if (step == 2 * size) return run_vectorised<DenseFold<Fold, 2>>(accumulator, array, count);
     }
-    run_vectorised<SpacedFold<Fold>>(accumulator, array, step, count);
+    if constexpr (is_vectorisable<typename Fold::Accumulator>)
+        run_vectorised<SpacedFold<Fold>>(accumulator, array, step, count);
+    else
+        fold_spaced<Fold>(accumulator, array, step, count);
 }
 
 // ---- One run under a MASK ---------------------------------------------------

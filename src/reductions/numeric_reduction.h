@@ -9,10 +9,9 @@
 
 namespace quill {
 
-// Kinds 4 and 8 accumulate in double; kind 16 in the compiler's own type.
+// Kinds 4 and 8 accumulate in double.
 template <class Element> struct AccumulatorOf { using type = Element; };
 template <> struct AccumulatorOf<Real4> { using type = Real8; };
-template <> struct AccumulatorOf<Real16> { using type = __float128; };
 template <class Part> struct AccumulatorOf<Complex<Part>> {
     using type = Complex<typename AccumulatorOf<Part>::type>;
 };
@@ -30,7 +29,7 @@ template <class ElementType> struct NumericFold {
 };
 
 template <class T> T number(int small) { return static_cast<T>(small); }
-template <> inline __float128 number<__float128>(int small) {
+template <> inline Real16 number<Real16>(int small) {
     return string_to_fp128(small == 0 ? "0.0L" : "1.0L");
 }
 
