@@ -47,7 +47,7 @@ Array make_array(Random &random, const Shape &shape, int elsize, bool spaced, in
         const std::ptrdiff_t reach =
             std::ptrdiff_t{d.Dim[i].Stride} * unit * std::max(shape[i] - 1, 0);
         (reach < 0 ? lowest : highest) += reach;
-        if (shape[i] != 0 || !spaced) stride *= shape[i];
+        if (shape[i] != 0 || (!spaced && coin(random))) stride *= shape[i];
     }
     const int shift = pick(random, 0, 3) * std::min(elsize, 4);
     array.storage.assign(static_cast<std::size_t>(highest - lowest + elsize + shift + 2 * guard),
@@ -72,8 +72,8 @@ Array make_array(Random &random, const Shape &shape, int elsize, bool spaced, in
     return array;
 }
 
-Shape random_shape(Random &random, int lowest_rank) {
-    Shape shape(std::size_t(pick(random, lowest_rank, 7)));
+Shape random_shape(Random &random) {
+    Shape shape(std::size_t(pick(random, 1, 7)));
     const int most = shape.size() > 4 ? 3 : 6;
     const int least = pick(random, 0, 3) == 0 ? 0 : 1;
     for (auto &extent : shape) extent = pick(random, least, most);

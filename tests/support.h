@@ -47,13 +47,14 @@ struct Array {
 
 // A dense array, or one that is spaced: with gaps, strides of both signs and, where
 // `unit` is less than the element's size, a SCALEFACTOR of `unit` bytes. Bases are
-// aligned to 4 bytes at the most; NONCONTIG may be set on dense arrays too. The
-// storage ends with the last element but for `guard` bytes on either side.
+// aligned to 4 bytes at the most; NONCONTIG may be set on dense arrays too, and
+// Stride behind an empty dimension need not be 0. The storage ends with the last
+// element but for `guard` bytes on either side.
 Array make_array(Random &random, const Shape &shape, int elsize, bool spaced, int unit = 0,
                  int guard = 0);
 
 // Ranks 1 to 7, small extents, some of them 0; or one long dimension.
-Shape random_shape(Random &random, int lowest_rank = 1);
+Shape random_shape(Random &random);
 Shape without(const Shape &shape, int dim);
 std::size_t elements(const Shape &shape);
 

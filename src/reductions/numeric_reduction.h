@@ -126,9 +126,15 @@ struct AlongDim {
     Nest<3> kept;
 };
 
+[[gnu::noinline]] inline bool is_empty_below_dim(const NumericCall &call) {
+    for (int i = 0; i < call.dim - 1; ++i)
+        if (extent(call.array.Dim[i]) == 0) return true;
+    return false;
+}
+
 // In a dense array the kept dimensions are neighbours below DIM and blocks above
-// it. Stride of the reduced dimension says how many neighbours there are, none if
-// a dimension below DIM is empty.
+// it. Stride of the reduced dimension says how many neighbours there are, as long as
+// no dimension below DIM is empty.
 inline void lay_out_dense(const NumericCall &call, std::ptrdiff_t size, AlongDim &along) {
     const std::ptrdiff_t mask_size = call.mask == nullptr ? 0 : sizeof(Word);
     const std::ptrdiff_t neighbours = call.array.Dim[call.dim - 1].Stride;
@@ -166,6 +172,7 @@ inline void lay_out_spaced(const NumericCall &call, AlongDim &along) {
 
 template <class Fold>
 void fold_along_dim(const typename Fold::Accumulator &start, const NumericCall &call) {
+    if (call.array.EXTENT == 0 && is_empty_below_dim(call)) return;
     AlongDim along;
     lay_out_along_dim(call, element_size<Fold>, along);
     fold_along<Fold>(start, along.kept, {{base(call.array), call.mask_base(), base(call.result)}},
