@@ -157,6 +157,33 @@ extern QUILLFN_EXPORT f90_Intrinsic f90_prodi1, f90_prodi2, f90_prodi4, f90_prod
 extern QUILLFN_EXPORT f90_Intrinsic f90_prodr4, f90_prodr8, f90_prodr10, f90_prodr16;
 extern QUILLFN_EXPORT f90_Intrinsic f90_prodc8, f90_prodc16, f90_prodc20, f90_prodc32;
 
+/* MAXVAL(ARRAY, DIM, MASK), MINVAL(ARRAY, DIM, MASK): arguments as of SUM. A
+ * result without DIM may be left to the library too. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_maxvali1, f90_maxvali2, f90_maxvali4, f90_maxvali8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_maxvalr4, f90_maxvalr8, f90_maxvalr10, f90_maxvalr16;
+extern QUILLFN_EXPORT f90_Intrinsic f90_minvali1, f90_minvali2, f90_minvali4, f90_minvali8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_minvalr4, f90_minvalr8, f90_minvalr10, f90_minvalr16;
+
+/* MAXLOC(ARRAY, DIM, MASK), MINLOC(ARRAY, DIM, MASK): arguments as of SUM. The
+ * result holds positions from 1: without DIM one for each dimension of ARRAY, with
+ * DIM the position along it. They are 32-bit integers, of the k forms 64-bit ones. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_maxloci1, f90_maxloci2, f90_maxloci4, f90_maxloci8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_maxlocr4, f90_maxlocr8, f90_maxlocr10, f90_maxlocr16;
+extern QUILLFN_EXPORT f90_Intrinsic f90_minloci1, f90_minloci2, f90_minloci4, f90_minloci8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_minlocr4, f90_minlocr8, f90_minlocr10, f90_minlocr16;
+extern QUILLFN_EXPORT f90_Intrinsic f90_kmaxloci1, f90_kmaxloci2, f90_kmaxloci4, f90_kmaxloci8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_kmaxlocr4, f90_kmaxlocr8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_kminloci1, f90_kminloci2, f90_kminloci4, f90_kminloci8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_kminlocr4, f90_kminlocr8;
+
+/* DOT_PRODUCT(VECTOR_A, VECTOR_B): Arg1 VECTOR_A, Arg2 VECTOR_B; by type: integer,
+ * logical, real, complex, and bytes of a value. A result of at most 8 bytes is stored
+ * in the slot Result, a wider one at the address in its Word0. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_dotpri1, f90_dotpri2, f90_dotpri4, f90_dotpri8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_dotprl1, f90_dotprl2, f90_dotprl4, f90_dotprl8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_dotprr4, f90_dotprr8, f90_dotprr10, f90_dotprr16;
+extern QUILLFN_EXPORT f90_Intrinsic f90_dotprc8, f90_dotprc16, f90_dotprc20, f90_dotprc32;
+
 #ifdef __cplusplus
 }
 #endif

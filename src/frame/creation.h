@@ -20,4 +20,12 @@ inline void create_without(f90_ArrDesc &result, const f90_ArrDesc &array, int ra
     f90_CreateArrayM(&result);
 }
 
+// Creates the rank 0 result of a reduction without DIM.
+inline void create_single(f90_ArrDesc &result, std::int32_t elsize) {
+    result.RANK = 0;
+    result.ELSIZE = elsize;
+    result.Dim[0].Lower = result.Dim[0].Upper = 0;
+    f90_CreateArrayM(&result);
+}
+
 } // namespace quill

@@ -53,6 +53,12 @@ template <class To, class From> To converted(const From &from) {
     return Conversion<To, From>::of(from);
 }
 
+// A start value, 0 or 1. Of kind 16 its literal is read at every call.
+template <class T> T number(int small) { return static_cast<T>(small); }
+template <> inline Real16 number<Real16>(int small) {
+    return string_to_fp128(small == 0 ? "0.0L" : "1.0L");
+}
+
 // An element in storage, whatever it was stored as. Of an 80-bit real, 10 bytes
 // are moved: the other 2 are nobody's.
 template <class T> struct Storage {

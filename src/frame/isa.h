@@ -3,9 +3,10 @@
 // becomes part of the function that carries the set's target attribute, so no
 // code beyond the baseline stands anywhere else.
 //
-// AVX2 is the widest set so far. Folds are bound by loads, which 64-byte vectors
-// do not speed up; and AVX-512 has multiply-add of its own, into which GCC fuses
-// the products of complex numbers even where contraction is off.
+// AVX-512 serves kernels that ask for it, of integers alone: it has multiply-add of
+// its own, into which GCC fuses the products of complex numbers even where
+// contraction is off. Its vectors have 32 bytes here too: folds are bound by loads,
+// which 64-byte ones do not speed up.
 #pragma once
 
 #ifdef QUILLFN_SELECT_ISA
@@ -15,14 +16,22 @@
 
 namespace quill {
 
-// Builds for tests let the environment take AVX2 away; the shipped library does
-// not look there.
-inline bool has_avx2() {
+// Builds for tests let the environment name the widest set to use, sse2 or avx2;
+// the shipped library does not look there.
+inline bool is_excluded(const char *widest_allowed) {
 #ifdef QUILLFN_SELECT_ISA
     const char *wanted = std::getenv("QUILLFN_ISA");
-    if (wanted != nullptr && std::strcmp(wanted, "sse2") == 0) return false;
+    return wanted != nullptr && std::strcmp(wanted, widest_allowed) == 0;
+#else
+    return static_cast<void>(widest_allowed), false;
 #endif
-    return __builtin_cpu_supports("avx2");
+}
+
+inline bool has_avx2() { return !is_excluded("sse2") && __builtin_cpu_supports("avx2"); }
+
+inline bool has_avx512() {
+    return has_avx2() && !is_excluded("avx2") && __builtin_cpu_supports("avx512bw") &&
+           __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl");
 }
 
 template <class Kernel, class... Arguments>
@@ -35,9 +44,17 @@ template <class Kernel, class... Arguments>
     Kernel::template run<32>(arguments...);
 }
 
+template <class Kernel, class... Arguments>
+[[gnu::target("avx512bw,avx512dq,avx512vl,prefer-vector-width=256"), gnu::flatten]] void
+run_avx512(Arguments &&...arguments) {
+    Kernel::template run<32>(arguments...);
+}
+
 // Kernel::run<width of a vector in bytes>(arguments...) with the widest set that
-// the processor has.
+// the processor has and the kernel uses: AVX-512 where it is asked for by a member.
 template <class Kernel, class... Arguments> void run_vectorised(Arguments &&...arguments) {
+    if constexpr (requires { requires Kernel::uses_avx512; })
+        if (has_avx512()) return run_avx512<Kernel>(arguments...);
     if (has_avx2())
         run_avx2<Kernel>(arguments...);
     else

@@ -6,6 +6,7 @@
 #include "frame/records.h"
 
 #include <cstring>
+#include <type_traits>
 #include <utility>
 
 namespace quill {
@@ -15,6 +16,13 @@ template <class T, int Width> struct LanesOf {
 };
 // Width bytes of T.
 template <class T, int Width> using Lanes = typename LanesOf<T, Width>::type;
+
+// The integer that numbers or selects lanes of `Size` bytes.
+template <int Size>
+using SignedOfSize = std::conditional_t<
+    Size == 1, std::int8_t,
+    std::conditional_t<Size == 2, std::int16_t,
+                       std::conditional_t<Size == 4, std::int32_t, std::int64_t>>>;
 
 // The same bytes under another type of the same size.
 template <class To, class From> To same_bits(const From &from) {

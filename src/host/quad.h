@@ -37,8 +37,13 @@ Quad string_to_fp128(const char *literal);
 
 // Whether a < b and less, or a > b and greater, or a == b and equal; an
 // unordered pair is none of the three.
-int _compare_fp(const Quad &a, const Quad &b, const int &less, const int &greater,
-                const int &equal);
+inline int _compare_fp(const Quad &a, const Quad &b, const int &less, const int &greater,
+                       const int &equal) {
+    return (less != 0 && a.number < b.number) || (greater != 0 && a.number > b.number) ||
+                   (equal != 0 && a.number == b.number)
+               ? 1
+               : 0;
+}
 
 // x times 2 to the power n, correctly rounded where the result is subnormal.
 Quad ldexpq(Quad x, int n);

@@ -31,6 +31,16 @@ struct RunBatch {
     }
 };
 
+// What a run that lies at `from` folds from.
+template <class Fold>
+[[gnu::always_inline]] inline typename Fold::Accumulator
+start_of_run(const typename Fold::Accumulator &start, const Positions<2> &from, bool masked) {
+    if constexpr (Fold::starts_at_first)
+        if (!masked || load<Word>(from.at[Mask]) != 0)
+            return load<typename Fold::Element>(from.at[Array]);
+    return start;
+}
+
 // ---- Ways of folding a batch ------------------------------------------------
 
 // Runs whose elements are neighbours: `width` accumulators advance together, in
@@ -82,7 +92,8 @@ void fold_adjacent_runs(const typename Fold::Accumulator &start, const RunBatch 
     Accumulator accumulators[block];
     for (std::int32_t done = 0; done < batch.runs.count; done += block) {
         const std::int32_t width = std::min(block, batch.runs.count - done);
-        std::fill_n(accumulators, width, start);
+        for (std::int32_t j = 0; j < width; ++j)
+            accumulators[j] = start_of_run<Fold>(start, batch.start_of(done + j), masked);
         Positions<2> from = batch.start_of(done);
         Run<2> rows = batch.run;
         for (std::int32_t left = batch.run.count; left > 0; left -= rows.count) {
@@ -98,14 +109,15 @@ void fold_adjacent_runs(const typename Fold::Accumulator &start, const RunBatch 
     }
 }
 
-// Runs of adjacent elements of a reorderable fold.
+// Runs of adjacent elements, one after the other.
 template <class Fold> struct DenseRuns {
     template <int Width>
     static void run(const typename Fold::Accumulator &start, const RunBatch &batch) {
         for (std::int32_t i = 0; i < batch.runs.count; ++i) {
-            auto accumulator = start;
-            DenseFold<Fold, 1>::template run<Width>(accumulator, batch.start_of(i).at[Array],
-                                                    batch.run.count);
+            const Positions<2> from = batch.start_of(i);
+            auto accumulator = start_of_run<Fold>(start, from, false);
+            KernelsOf<Fold>::Dense::template run<Width>(accumulator, from.at[Array],
+                                                        batch.run.count);
             batch.store_result<Fold>(i, accumulator);
         }
     }
@@ -163,21 +175,21 @@ template <class Fold>
 void fold_four_runs(const typename Fold::Accumulator &start, const RunBatch &batch,
                     std::int32_t number) {
     using Element = typename Fold::Element;
-    ConstBytes a = batch.start_of(number).at[Array];
-    ConstBytes b = batch.start_of(number + 1).at[Array];
-    ConstBytes c = batch.start_of(number + 2).at[Array];
-    ConstBytes d = batch.start_of(number + 3).at[Array];
-    auto fold_a = start;
-    auto fold_b = start;
-    auto fold_c = start;
-    auto fold_d = start;
+    const Positions<2> from_a = batch.start_of(number);
+    const Positions<2> from_b = batch.start_of(number + 1);
+    const Positions<2> from_c = batch.start_of(number + 2);
+    const Positions<2> from_d = batch.start_of(number + 3);
+    auto fold_a = start_of_run<Fold>(start, from_a, false);
+    auto fold_b = start_of_run<Fold>(start, from_b, false);
+    auto fold_c = start_of_run<Fold>(start, from_c, false);
+    auto fold_d = start_of_run<Fold>(start, from_d, false);
     const std::ptrdiff_t step = batch.run.step.by[Array];
     for (std::int32_t k = 0; k < batch.run.count; ++k) {
         const std::ptrdiff_t at = k * step;
-        fold_a = Fold::step(fold_a, load<Element>(a + at));
-        fold_b = Fold::step(fold_b, load<Element>(b + at));
-        fold_c = Fold::step(fold_c, load<Element>(c + at));
-        fold_d = Fold::step(fold_d, load<Element>(d + at));
+        fold_a = Fold::step(fold_a, load<Element>(from_a.at[Array] + at));
+        fold_b = Fold::step(fold_b, load<Element>(from_b.at[Array] + at));
+        fold_c = Fold::step(fold_c, load<Element>(from_c.at[Array] + at));
+        fold_d = Fold::step(fold_d, load<Element>(from_d.at[Array] + at));
     }
     batch.store_result<Fold>(number, fold_a);
     batch.store_result<Fold>(number + 1, fold_b);
@@ -190,8 +202,9 @@ template <class Fold>
 void fold_single_runs(const typename Fold::Accumulator &start, const RunBatch &batch,
                       std::int32_t i) {
     for (; i < batch.runs.count; ++i) {
-        auto accumulator = start;
-        fold_masked_or_not<Fold>(accumulator, batch.start_of(i), batch.run, batch.masked);
+        const Positions<2> from = batch.start_of(i);
+        auto accumulator = start_of_run<Fold>(start, from, batch.masked);
+        fold_masked_or_not<Fold>(accumulator, from, batch.run, batch.masked);
         batch.store_result<Fold>(i, accumulator);
     }
 }
@@ -200,11 +213,11 @@ void fold_single_runs(const typename Fold::Accumulator &start, const RunBatch &b
 template <class Fold>
 void fold_short_runs(const typename Fold::Accumulator &start, const Positions<3> &first,
                      const Run<3> &runs, const Run<2> &run) {
-    ConstBytes array = first.at[Array];
+    Bytes array = first.at[Array];
     Bytes result = first.at[Result];
     const std::ptrdiff_t step = run.step.by[Array];
     for (std::int32_t i = runs.count; i > 0; --i) {
-        auto accumulator = start;
+        auto accumulator = start_of_run<Fold>(start, {{array, nullptr}}, false);
         ConstBytes element = array;
         for (std::int32_t k = run.count; k > 0; --k, element += step)
             accumulator = Fold::step(accumulator, load<typename Fold::Element>(element));
@@ -233,7 +246,7 @@ template <class Fold>
     std::int32_t i = 0;
     if (!batch.masked) {
         const bool dense = batch.run.step.by[Array] == size;
-        if constexpr (Fold::reorderable) {
+        if constexpr (has_kernels<Fold>) {
             if (dense) return run_vectorised<DenseRuns<Fold>>(start, batch);
         } else if constexpr (std::is_floating_point_v<typename Fold::Element> &&
                              is_vectorisable<typename Fold::Element>) {

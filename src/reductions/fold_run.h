@@ -4,16 +4,21 @@
 //   Element, Accumulator, Result   types of an element, in a run, of the result
 //   start()                        where a run begins
 //   step(accumulator, element)     one element more
+//   starts_at_first                a run along a dimension begins at its first element,
+//                                  and at start() only where MASK does not select that
 //   reorderable                    elements may be taken in any order; then also
 //     neutral()                    an element that changes nothing
 //     lane_start, lane_step        the same for a vector of elements, at most
 //     lane_rounds                  this many rounds of four vectors before
 //     absorb(accumulator, lanes)   the vectors go into the accumulator
+//     watches, note                lanes of elements that vectors cannot fold are noted
+//   Kernels                        Dense and Masked: kernels of its own for dense runs,
+//                                  of a fold that is reorderable but for rare elements
 //   ends_early, decided(acc)       further elements change nothing
 //   takes_mask                     the intrinsic has a MASK argument
 //
-// A fold that is not reorderable takes its elements one by one, in order, into
-// one accumulator; speed comes from several runs side by side.
+// Any other fold takes its elements one by one, in order, into one accumulator;
+// speed comes from several runs side by side.
 #pragma once
 
 #include "frame/elements.h"
@@ -56,26 +61,23 @@ template <class Fold, int spread> struct DenseFold {
     using Accumulator = typename Fold::Accumulator;
     static constexpr std::int32_t step = spread * sizeof(Element);
 
-    template <class V> static V select(const V &which, const V &lanes, const V &others) {
-        return (lanes & which) | (others & ~which);
-    }
+    using Number = SignedOfSize<sizeof(Element)>;
 
     // The lanes of elements that count, the others as they started.
     template <class V> static V counting_lanes(const V &lanes) {
         if constexpr (spread == 1) return lanes;
-        const V which =
-            numbered_lanes<Element, sizeof(V)>([](int i) { return i % spread == 0 ? -1 : 0; });
-        return select(which, lanes, Fold::template lane_start<V>());
+        const auto which =
+            numbered_lanes<Number, sizeof(V)>([](int i) { return i % spread == 0 ? -1 : 0; });
+        return which ? lanes : Fold::template lane_start<V>();
     }
 
     // The last `count` elements before `end`, fewer than a vector's, loaded with
     // elements in front of them that have been taken already.
     template <class V> static V last_lanes(ConstBytes end, std::int32_t count) {
         constexpr int lanes = sizeof(V) / sizeof(Element);
-        const V number = numbered_lanes<Element, sizeof(V)>([](int i) { return i; });
-        const V taken = V{} + static_cast<Element>(lanes - count);
-        return select(reinterpret_cast<V>(number >= taken), load_lanes<V>(end - sizeof(V)),
-                      V{} + Fold::neutral());
+        const auto number = numbered_lanes<Number, sizeof(V)>([](int i) { return i; });
+        const auto which = number >= static_cast<Number>(lanes - count);
+        return which ? load_lanes<V>(end - sizeof(V)) : V{} + Fold::neutral();
     }
 
     template <int Width>
@@ -95,20 +97,26 @@ template <class Fold, int spread> struct DenseFold {
             V second = first;
             V third = first;
             V fourth = first;
+            Lanes<Number, Width> noted{};
+            const auto take = [&](V &lanes, const V &elements) {
+                lanes = Fold::lane_step(lanes, elements);
+                if constexpr (Fold::watches) noted |= Fold::watch(elements);
+            };
             for (ConstBytes end = array + rounds * 4 * Width; array != end; array += 4 * Width) {
-                first = Fold::lane_step(first, load_lanes<V>(array));
-                second = Fold::lane_step(second, load_lanes<V>(array + Width));
-                third = Fold::lane_step(third, load_lanes<V>(array + 2 * Width));
-                fourth = Fold::lane_step(fourth, load_lanes<V>(array + 3 * Width));
+                take(first, load_lanes<V>(array));
+                take(second, load_lanes<V>(array + Width));
+                take(third, load_lanes<V>(array + 2 * Width));
+                take(fourth, load_lanes<V>(array + 3 * Width));
             }
             if (count - gap < 4 * per_vector) {
                 for (; count - gap >= per_vector; count -= per_vector, array += Width)
-                    first = Fold::lane_step(first, load_lanes<V>(array));
+                    take(first, load_lanes<V>(array));
                 if (spread == 1 && count > 0) {
-                    second = Fold::lane_step(second, last_lanes<V>(array + count * step, count));
+                    take(second, last_lanes<V>(array + count * step, count));
                     count = 0;
                 }
             }
+            if constexpr (Fold::watches) Fold::note(accumulator, any_bit<Width>(noted));
             Fold::template absorb<Width>(
                 accumulator, counting_lanes(Fold::lane_combine(Fold::lane_combine(first, second),
                                                                Fold::lane_combine(third, fourth))));
@@ -142,29 +150,6 @@ template <class Fold> struct SpacedFold {
     }
 };
 
-template <class Fold>
-[[gnu::always_inline]] inline void fold_run(typename Fold::Accumulator &accumulator,
-                                            ConstBytes array, std::ptrdiff_t step,
-                                            std::int32_t count) {
-    constexpr std::ptrdiff_t size = element_size<Fold>;
-    constexpr std::int32_t short_run = 16;
-    if (count <= short_run) return fold_spaced<Fold>(accumulator, array, step, count);
-    if constexpr (Fold::reorderable) {
-        if (step < 0) {
-            array += (count - 1) * step;
-            step = -step;
-        }
-        if (step == size) return run_vectorised<DenseFold<Fold, 1>>(accumulator, array, count);
-        if (step == 2 * size) return run_vectorised<DenseFold<Fold, 2>>(accumulator, array, count);
-    }
-    if constexpr (is_vectorisable<typename Fold::Accumulator>)
-        run_vectorised<SpacedFold<Fold>>(accumulator, array, step, count);
-    else
-        fold_spaced<Fold>(accumulator, array, step, count);
-}
-
-// ---- One run under a MASK ---------------------------------------------------
-
 // Adjacent elements of a reorderable fold beside adjacent MASK words: an element
 // that does not count is replaced by the neutral one.
 template <class Fold> struct DenseMaskedFold {
@@ -185,6 +170,44 @@ template <class Fold> struct DenseMaskedFold {
     }
 };
 
+// The kernels for dense runs: those of any reorderable fold, or the fold's own.
+template <class Fold> struct KernelsOf {
+    using Dense = DenseFold<Fold, 1>;
+    using Masked = DenseMaskedFold<Fold>;
+};
+template <class Fold>
+requires requires { typename Fold::Kernels; }
+struct KernelsOf<Fold> : Fold::Kernels {};
+
+template <class Fold> constexpr bool has_kernels = Fold::reorderable || requires {
+    typename Fold::Kernels;
+};
+
+template <class Fold>
+[[gnu::always_inline]] inline void fold_run(typename Fold::Accumulator &accumulator,
+                                            ConstBytes array, std::ptrdiff_t step,
+                                            std::int32_t count) {
+    constexpr std::ptrdiff_t size = element_size<Fold>;
+    constexpr std::int32_t short_run = 16;
+    if (count <= short_run) return fold_spaced<Fold>(accumulator, array, step, count);
+    if constexpr (Fold::reorderable) {
+        if (step < 0) {
+            array += (count - 1) * step;
+            step = -step;
+        }
+        if (step == 2 * size) return run_vectorised<DenseFold<Fold, 2>>(accumulator, array, count);
+    }
+    if constexpr (has_kernels<Fold>)
+        if (step == size)
+            return run_vectorised<typename KernelsOf<Fold>::Dense>(accumulator, array, count);
+    if constexpr (is_vectorisable<typename Fold::Accumulator>)
+        run_vectorised<SpacedFold<Fold>>(accumulator, array, step, count);
+    else
+        fold_spaced<Fold>(accumulator, array, step, count);
+}
+
+// ---- One run under a MASK ---------------------------------------------------
+
 // The selected elements are first packed, without a branch, and then folded: the
 // fold waits for no element that does not count.
 template <class Fold>
@@ -196,10 +219,10 @@ void fold_masked_run(typename Fold::Accumulator &accumulator, const Positions<2>
     ConstBytes mask = from.at[1];
     const std::ptrdiff_t step = run.step.by[0];
     const std::ptrdiff_t mask_step = run.step.by[1];
-    if constexpr (Fold::reorderable) {
+    if constexpr (has_kernels<Fold>)
         if (step == size && mask_step == sizeof(Word))
-            return run_vectorised<DenseMaskedFold<Fold>>(accumulator, array, mask, run.count);
-    }
+            return run_vectorised<typename KernelsOf<Fold>::Masked>(accumulator, array, mask,
+                                                                    run.count);
     constexpr std::int32_t chunk = 64;
     std::byte selected[chunk * size];
     for (std::int32_t left = run.count; left > 0;) {

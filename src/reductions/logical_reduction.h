@@ -14,6 +14,8 @@ namespace quill {
 template <class ElementType> struct LogicalFold {
     using Element = ElementType;
     static constexpr bool reorderable = true;
+    static constexpr bool watches = false;
+    static constexpr bool starts_at_first = false;
     static constexpr bool takes_mask = false;
 };
 

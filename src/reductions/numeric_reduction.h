@@ -1,11 +1,8 @@
 // SUM and PRODUCT: one template over a Fold. It reads the record, creates and
-// checks, classifies the call once (whole array or along DIM, dense or by
-// strides) and leaves the elements to the folds.
+// checks, and leaves the elements to the folds.
 #pragma once
 
-#include "frame/checks.h"
-#include "frame/creation.h"
-#include "reductions/fold_along.h"
+#include "reductions/masked_reduction.h"
 
 namespace quill {
 
@@ -16,58 +13,22 @@ template <class Part> struct AccumulatorOf<Complex<Part>> {
     using type = Complex<typename AccumulatorOf<Part>::type>;
 };
 
-// What SUM and PRODUCT have in common as folds. The literals of kind 16 are read
-// at every call.
+// What SUM and PRODUCT have in common as folds.
 template <class ElementType> struct NumericFold {
     using Element = ElementType;
     using Accumulator = typename AccumulatorOf<Element>::type;
     using Result = Element;
     static constexpr bool reorderable = std::is_integral_v<Element>;
+    static constexpr bool watches = false;
+    static constexpr bool starts_at_first = false;
     static constexpr bool ends_early = false;
     static constexpr bool takes_mask = true;
     static constexpr std::int32_t lane_rounds = std::numeric_limits<std::int32_t>::max();
 };
 
-template <class T> T number(int small) { return static_cast<T>(small); }
-template <> inline Real16 number<Real16>(int small) {
-    return string_to_fp128(small == 0 ? "0.0L" : "1.0L");
-}
-
-// ---- The call ---------------------------------------------------------------
-
-struct NumericCall {
-    const f90_ArrDesc &array;
-    f90_ArrDesc &result;
-    const f90_ArrDesc *mask; // null when every element counts
-    int rank;
-    bool has_dim;
-    std::int32_t dim;      // from 1
-    bool nothing_selected; // by a false scalar MASK
-
-    bool along_dim() const { return has_dim && rank != 1; }
-    bool dense() const {
-        return array.NONCONTIG == 0 && result.NONCONTIG == 0 &&
-               (mask == nullptr || mask->NONCONTIG == 0);
-    }
-    Bytes mask_base() const { return mask == nullptr ? nullptr : base(*mask); }
-    std::ptrdiff_t mask_step(int i) const { return mask == nullptr ? 0 : byte_step(*mask, i); }
-};
-
-inline NumericCall read_numeric_call(const f90_ArgList &list) {
-    const f90_ArrDesc &array = descriptor(list.Arg1);
-    const bool has_dim = argument_given(list, 2);
-    return {array,
-            descriptor(list.Result),
-            argument_given(list, 3) ? &descriptor(list.Arg3) : nullptr,
-            array.RANK,
-            has_dim,
-            has_dim ? value(list.Arg2) : 0,
-            false};
-}
-
 // Creates the result where the caller left that to the library, and then checks.
 [[gnu::noinline]] inline void prepare_numeric_call(const char *name, const f90_ArgList &list,
-                                                   const NumericCall &call) {
+                                                   const MaskedCall &call) {
     if (call.has_dim && !result_given(list))
         create_without(call.result, call.array, call.rank, call.dim - 1, call.array.ELSIZE);
     if (!checks_wanted(list)) return;
@@ -83,114 +44,15 @@ inline NumericCall read_numeric_call(const f90_ArgList &list) {
         f90_ArrLibError(name, 3, &call.array, call.mask);
 }
 
-// ---- The whole array --------------------------------------------------------
-
-[[gnu::noinline]] inline Nest<2> whole_array(const NumericCall &call) {
-    Nest<2> nest;
-    for (int i = 0; i < call.rank; ++i)
-        add_dimension(nest,
-                      {extent(call.array.Dim[i]), {{byte_step(call.array, i), call.mask_step(i)}}});
-    return nest;
-}
-
-// Under a MASK, or by strides.
-template <class Fold>
-[[gnu::noinline]] void walk_whole(typename Fold::Accumulator &accumulator,
-                                  const NumericCall &call) {
-    const Positions<2> first = {{base(call.array), call.mask_base()}};
-    if (call.dense())
-        return fold_masked_run<Fold>(accumulator, first,
-                                     {call.array.EXTENT, {{element_size<Fold>, sizeof(Word)}}});
-    for_each_run(whole_array(call), first, [&](const Positions<2> &from, const Run<2> &run) {
-        fold_masked_or_not<Fold>(accumulator, from, run, call.mask != nullptr);
-        return true;
-    });
-}
-
-template <class Fold>
-void fold_whole(typename Fold::Accumulator &accumulator, const NumericCall &call) {
-    const f90_ArrDesc &array = call.array;
-    if (call.mask == nullptr && call.dense())
-        fold_run<Fold>(accumulator, base(array), element_size<Fold>, array.EXTENT);
-    else if (call.mask == nullptr && call.rank == 1)
-        fold_run<Fold>(accumulator, base(array), byte_step(array, 0), extent(array.Dim[0]));
-    else
-        walk_whole<Fold>(accumulator, call);
-}
-
-// ---- Along DIM --------------------------------------------------------------
-
-// The run along DIM, and the walk over the kept dimensions.
-struct AlongDim {
-    Run<2> run;
-    Nest<3> kept;
-};
-
-[[gnu::noinline]] inline bool is_empty_below_dim(const NumericCall &call) {
-    for (int i = 0; i < call.dim - 1; ++i)
-        if (extent(call.array.Dim[i]) == 0) return true;
-    return false;
-}
-
-// In a dense array the kept dimensions are neighbours below DIM and blocks above
-// it. Stride of the reduced dimension says how many neighbours there are, as long as
-// no dimension below DIM is empty.
-inline void lay_out_dense(const NumericCall &call, std::ptrdiff_t size, AlongDim &along) {
-    const std::ptrdiff_t mask_size = call.mask == nullptr ? 0 : sizeof(Word);
-    const std::ptrdiff_t neighbours = call.array.Dim[call.dim - 1].Stride;
-    const std::ptrdiff_t block = along.run.count * neighbours;
-    std::int32_t blocks = 1;
-    for (int i = call.dim; i < call.rank; ++i) blocks *= extent(call.array.Dim[i]);
-    along.run.step = {{neighbours * size, neighbours * mask_size}};
-    along.kept.empty = neighbours < 1 || blocks < 1;
-    if (neighbours > 1)
-        append_level(along.kept,
-                     {static_cast<std::int32_t>(neighbours), {{size, mask_size, size}}});
-    if (blocks > 1)
-        append_level(along.kept, {blocks, {{block * size, block * mask_size, neighbours * size}}});
-}
-
-inline void lay_out_spaced(const NumericCall &call, AlongDim &along) {
-    const int reduced = call.dim - 1;
-    along.run.step = {{byte_step(call.array, reduced), call.mask_step(reduced)}};
-    for (int r = 0; r < call.rank - 1; ++r) {
-        const int i = kept_dimension(r, reduced);
-        add_dimension(along.kept,
-                      {extent(call.array.Dim[i]),
-                       {{byte_step(call.array, i), call.mask_step(i), byte_step(call.result, r)}}});
-    }
-}
-
-[[gnu::noinline]] inline void lay_out_along_dim(const NumericCall &call, std::ptrdiff_t size,
-                                                AlongDim &along) {
-    along.run.count = call.nothing_selected ? 0 : extent(call.array.Dim[call.dim - 1]);
-    if (call.dense())
-        lay_out_dense(call, size, along);
-    else
-        lay_out_spaced(call, along);
-}
-
-template <class Fold>
-void fold_along_dim(const typename Fold::Accumulator &start, const NumericCall &call) {
-    if (call.array.EXTENT == 0 && is_empty_below_dim(call)) return;
-    AlongDim along;
-    lay_out_along_dim(call, element_size<Fold>, along);
-    fold_along<Fold>(start, along.kept, {{base(call.array), call.mask_base(), base(call.result)}},
-                     along.run, call.mask != nullptr);
-}
-
 // ---- The family -------------------------------------------------------------
 
 template <class Fold> void numeric_reduction(const f90_ArgList *list) {
-    NumericCall call = read_numeric_call(*list);
+    MaskedCall call = read_masked_call(*list);
     if (!result_given(*list) || checks_wanted(*list)) prepare_numeric_call(Fold::name, *list, call);
-    if (call.mask != nullptr && call.mask->RANK == 0) {
-        call.nothing_selected = load<Word>(base(*call.mask)) == 0;
-        call.mask = nullptr;
-    }
+    resolve_scalar_mask(call);
     auto accumulator = Fold::start();
     if (call.along_dim()) return fold_along_dim<Fold>(accumulator, call);
-    if (!call.nothing_selected) fold_whole<Fold>(accumulator, call);
+    if (!call.nothing_selected) fold_whole<Fold>(accumulator, call, call.dense());
     store(base(call.result), converted<typename Fold::Result>(accumulator));
 }
 

@@ -1,0 +1,9 @@
+// MAXVAL of the kinds wider than 8: the 80-bit extended format and kind 16.
+#include "reductions/extremum.h"
+
+extern "C" {
+
+void f90_maxvalr10(f90_ArgList *list) { quill::extremum<quill::Maximum<quill::Real10>>(list); }
+void f90_maxvalr16(f90_ArgList *list) { quill::extremum<quill::Maximum<quill::Real16>>(list); }
+
+} // extern "C"
