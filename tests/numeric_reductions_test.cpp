@@ -3,7 +3,6 @@
 #include "support.h"
 
 #include <gtest/gtest.h>
-#include <limits>
 
 namespace {
 
@@ -14,25 +13,16 @@ struct Product {};
 
 // A type of the language: Value in arithmetic and its place in storage, where the
 // first `used` bytes of each of its `parts` hold it.
-template <class T, class Accumulator, int Storage, int Used, f90_Intrinsic *sum,
-          f90_Intrinsic *product>
-struct Plain {
+template <class T, class Accumulator, f90_Intrinsic *sum, f90_Intrinsic *product> struct Plain {
     using Value = Accumulator;
-    static constexpr int storage = Storage, parts = 1, part = Storage, used = Used;
+    static constexpr int storage = sizeof(T), parts = 1, part = storage, used = used_bytes<T>;
     static f90_Intrinsic *entry(Sum) { return sum; }
     static f90_Intrinsic *entry(Product) { return product; }
 
-    static Value get(const std::byte *at) {
-        T value{};
-        std::memcpy(static_cast<void *>(&value), at, Used);
-        return static_cast<Value>(value);
-    }
-    static void put(std::byte *at, Value value) {
-        const T stored = static_cast<T>(value);
-        std::memcpy(at, &stored, Used);
-    }
+    static Value get(const std::byte *at) { return static_cast<Value>(read<T>(at)); }
+    static void put(std::byte *at, Value value) { write(at, static_cast<T>(value)); }
     static Value random(Random &random) {
-        if constexpr (std::numeric_limits<T>::is_integer) return static_cast<Value>(random());
+        if constexpr (!is_real<T>) return static_cast<Value>(random());
         return static_cast<Value>(static_cast<T>(pick(random, 500, 1500)) /
                                   static_cast<T>(pick(random, 0, 1) == 0 ? 1000 : -1000));
     }
@@ -65,14 +55,14 @@ template <class Part, f90_Intrinsic *sum, f90_Intrinsic *product> struct Complex
     }
 };
 
-using I1 = Plain<std::uint8_t, std::uint32_t, 1, 1, f90_sumi1, f90_prodi1>;
-using I2 = Plain<std::uint16_t, std::uint32_t, 2, 2, f90_sumi2, f90_prodi2>;
-using I4 = Plain<std::uint32_t, std::uint32_t, 4, 4, f90_sumi4, f90_prodi4>;
-using I8 = Plain<std::uint64_t, std::uint64_t, 8, 8, f90_sumi8, f90_prodi8>;
-using R4 = Plain<float, double, 4, 4, f90_sumr4, f90_prodr4>;
-using R8 = Plain<double, double, 8, 8, f90_sumr8, f90_prodr8>;
-using R10 = Plain<long double, long double, 12, 10, f90_sumr10, f90_prodr10>;
-using R16 = Plain<__float128, __float128, 16, 16, f90_sumr16, f90_prodr16>;
+using I1 = Plain<std::uint8_t, std::uint32_t, f90_sumi1, f90_prodi1>;
+using I2 = Plain<std::uint16_t, std::uint32_t, f90_sumi2, f90_prodi2>;
+using I4 = Plain<std::uint32_t, std::uint32_t, f90_sumi4, f90_prodi4>;
+using I8 = Plain<std::uint64_t, std::uint64_t, f90_sumi8, f90_prodi8>;
+using R4 = Plain<float, double, f90_sumr4, f90_prodr4>;
+using R8 = Plain<double, double, f90_sumr8, f90_prodr8>;
+using R10 = Plain<long double, long double, f90_sumr10, f90_prodr10>;
+using R16 = Plain<__float128, __float128, f90_sumr16, f90_prodr16>;
 using C8 = Complex<R4, f90_sumc8, f90_prodc8>;
 using C16 = Complex<R8, f90_sumc16, f90_prodc16>;
 using C20 = Complex<R10, f90_sumc20, f90_prodc20>;
@@ -86,28 +76,13 @@ template <class T> bool same_value(const std::byte *a, const std::byte *b) {
 
 // ---- Random calls -----------------------------------------------------------
 
-enum class MaskKind { None, Array, True, False };
-
-Array random_mask(Random &random, const Shape &shape, MaskKind kind) {
-    if (kind == MaskKind::True || kind == MaskKind::False) {
-        Array mask = make_array(random, {}, 4, false);
-        write(mask.at(0), kind == MaskKind::True ? 0x80000000U : 0U);
-        return mask;
-    }
-    Array mask = make_array(random, shape, 4, coin(random));
-    const int quarters = pick(random, 0, 4);
-    for (std::size_t i = 0; i < mask.size(); ++i)
-        write(mask.at(i), pick(random, 1, 4) <= quarters ? 1U << pick(random, 0, 31) : 0U);
-    return mask;
-}
-
 template <class T, class Operation>
 std::vector<typename T::Value> naive(Operation operation, Array &array, int dim, MaskKind kind,
                                      Array &mask) {
     const Shape result = dim == 0 ? Shape{} : without(array.shape, dim);
     std::vector<typename T::Value> values(elements(result), T::start(operation));
-    for (std::size_t i = 0; i < array.size() && kind != MaskKind::False; ++i) {
-        if (kind == MaskKind::Array && I4::get(mask.at(i)) == 0) continue;
+    for (std::size_t i = 0; i < array.size(); ++i) {
+        if (!selects(kind, mask, i)) continue;
         auto &value = values[result_index(array.shape, dim, i)];
         value = T::step(operation, value, T::get(array.at(i)));
     }

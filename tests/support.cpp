@@ -34,7 +34,8 @@ Array make_array(Random &random, const Shape &shape, int elsize, bool spaced, in
     d.ELSIZE = elsize;
     d.SCALEFACTOR = unit;
     d.EXTENT = static_cast<std::int32_t>(elements(shape));
-    d.NONCONTIG = spaced || pick(random, 0, 3) == 0 ? 1 : 0;
+    d.NONCONTIG =
+        static_cast<std::uint8_t>(spaced || pick(random, 0, 3) == 0 ? pick(random, 1, 255) : 0);
 
     std::ptrdiff_t lowest = 0; // bytes from the first element
     std::ptrdiff_t highest = 0;
@@ -77,8 +78,13 @@ Shape random_shape(Random &random) {
     const int most = shape.size() > 4 ? 3 : 6;
     const int least = pick(random, 0, 3) == 0 ? 0 : 1;
     for (auto &extent : shape) extent = pick(random, least, most);
-    if (shape.size() <= 3 && pick(random, 0, 1) == 0)
-        shape[std::size_t(pick(random, 0, int(shape.size()) - 1))] = pick(random, 0, 700);
+    if (shape.size() > 3 || coin(random)) return shape;
+    auto &longest = shape[std::size_t(pick(random, 0, int(shape.size()) - 1))];
+    longest = pick(random, 0, 300);
+    if (pick(random, 0, 19) == 0) {
+        for (auto &extent : shape) extent = pick(random, 1, 2);
+        longest = pick(random, 1000, 9000);
+    }
     return shape;
 }
 
@@ -102,6 +108,30 @@ std::size_t result_index(const Shape &shape, int dim, std::size_t i) {
     return index;
 }
 
+std::size_t position_along(const Shape &shape, int dim, std::size_t i) {
+    for (int d = 0; d < dim - 1; ++d) i /= std::size_t(shape[std::size_t(d)]);
+    return (dim == 0 ? i : i % std::size_t(shape[std::size_t(dim - 1)])) + 1;
+}
+
+Array random_mask(Random &random, const Shape &shape, MaskKind kind) {
+    if (kind == MaskKind::True || kind == MaskKind::False) {
+        Array mask = make_array(random, {}, 4, false);
+        mask.descriptor.EXTENT = pick(random, 0, 1);
+        write(mask.at(0), kind == MaskKind::True ? 1U << pick(random, 0, 31) : 0U);
+        return mask;
+    }
+    Array mask = make_array(random, shape, 4, coin(random));
+    const int quarters = pick(random, 0, 4);
+    for (std::size_t i = 0; i < mask.size(); ++i)
+        write(mask.at(i), pick(random, 1, 4) <= quarters ? 1U << pick(random, 0, 31) : 0U);
+    return mask;
+}
+
+bool selects(MaskKind kind, Array &mask, std::size_t i) {
+    if (kind != MaskKind::Array) return kind != MaskKind::False;
+    return read<std::uint32_t>(mask.at(i)) != 0;
+}
+
 std::string strays(const Array &array, const std::vector<std::byte> &before, int used, int parts,
                    int part) {
     std::vector<std::byte> now = array.storage;
@@ -121,7 +151,7 @@ f90_ArrDesc scalar(void *value, int elsize) {
     return d;
 }
 
-f90_ArrDesc shaped(std::initializer_list<std::int32_t> extents, int elsize) {
+f90_ArrDesc shaped(const Shape &extents, int elsize) {
     f90_ArrDesc d = scalar(nullptr, elsize);
     for (const std::int32_t extent : extents) {
         d.Dim[d.RANK++] = {1, extent, d.EXTENT};
@@ -132,9 +162,12 @@ f90_ArrDesc shaped(std::initializer_list<std::int32_t> extents, int elsize) {
 
 // ---- Results ----------------------------------------------------------------
 
-RandomResult::RandomResult(Random &random, const Shape &shape, int elsize, bool may_create)
-    : given(make_array(random, shape, elsize, coin(random), 0, 64)), before(given.storage),
-      create(may_create && pick(random, 0, 1) == 0) {}
+RandomResult::RandomResult(Random &random, const Shape &shape, int elsize, bool may_create,
+                           int unit)
+    : given(make_array(random, shape, elsize, coin(random), unit, 64)), before(given.storage),
+      create(may_create && coin(random)) {
+    std::memset(&created, 0x5A, sizeof created);
+}
 
 void RandomResult::attach(Call &call) {
     create ? call.created_result(created) : call.result(given.descriptor);

@@ -1,0 +1,384 @@
+// MAXVAL, MINVAL, MAXLOC and MINLOC of every type, and the forms with 64-bit positions,
+// against one model: the elements in array element order, each against the best so
+// far, and what the search starts from.
+#include "support.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace test;
+
+enum Form { Value, Position, LongPosition };
+enum Extreme { Greatest, Least };
+const Form forms[] = {Value, Position, LongPosition};
+const Extreme extremes[] = {Greatest, Least};
+
+// Values are bytes here and are read as numbers in comparisons only, so that the bits
+// of a NaN stay what they are.
+struct Type {
+    const char *name;
+    int storage, used;          // bytes of an element, and of its value
+    const std::byte *starts[2]; // by Extreme: the finite limit at the other end
+    bool (*replaces[2])(const std::byte *element, const std::byte *best);
+    void (*write_sort)(Random &random, std::byte *at, char sort, int i);
+    f90_Intrinsic *members[3][2];
+};
+
+void PrintTo(const Type &type, std::ostream *out) { *out << type.name; }
+
+template <class T> bool is_greater(const std::byte *element, const std::byte *best) {
+    return read<T>(element) > read<T>(best);
+}
+
+// In the kinds that the processor knows, a NaN becomes the least and is replaced in turn.
+template <class T> bool is_less(const std::byte *element, const std::byte *best) {
+    constexpr bool hard = is_real<T> && !std::is_same_v<T, __float128>;
+    return hard ? !(read<T>(element) >= read<T>(best)) : read<T>(element) < read<T>(best);
+}
+
+template <class T, class... Members> Type type(const char *name, Members... members) {
+    const void *const limits[] = {&least<T>, &greatest<T>};
+    const auto starts = reinterpret_cast<const std::byte *const *>(limits);
+    return {name,
+            sizeof(T),
+            used_bytes<T>,
+            {starts[0], starts[1]},
+            {is_greater<T>, is_less<T>},
+            write_sort<T>,
+            {members...}};
+}
+
+const Type types[] = {
+    type<std::int8_t>("i1", f90_maxvali1, f90_minvali1, f90_maxloci1, f90_minloci1, f90_kmaxloci1,
+                      f90_kminloci1),
+    type<std::int16_t>("i2", f90_maxvali2, f90_minvali2, f90_maxloci2, f90_minloci2, f90_kmaxloci2,
+                       f90_kminloci2),
+    type<std::int32_t>("i4", f90_maxvali4, f90_minvali4, f90_maxloci4, f90_minloci4, f90_kmaxloci4,
+                       f90_kminloci4),
+    type<std::int64_t>("i8", f90_maxvali8, f90_minvali8, f90_maxloci8, f90_minloci8, f90_kmaxloci8,
+                       f90_kminloci8),
+    type<float>("r4", f90_maxvalr4, f90_minvalr4, f90_maxlocr4, f90_minlocr4, f90_kmaxlocr4,
+                f90_kminlocr4),
+    type<double>("r8", f90_maxvalr8, f90_minvalr8, f90_maxlocr8, f90_minlocr8, f90_kmaxlocr8,
+                 f90_kminlocr8),
+    type<long double>("r10", f90_maxvalr10, f90_minvalr10, f90_maxlocr10, f90_minlocr10),
+    type<__float128>("r16", f90_maxvalr16, f90_minvalr16, f90_maxlocr16, f90_minlocr16),
+};
+
+class Extrema : public testing::TestWithParam<Type> {};
+INSTANTIATE_TEST_SUITE_P(Types, Extrema, testing::ValuesIn(types),
+                         [](const auto &type) { return std::string(type.param.name); });
+
+// ---- The model --------------------------------------------------------------
+
+struct Search {
+    const Type &type;
+    Form form;
+    Extreme extreme;
+    Array &array;
+    int along; // 0: the whole array
+    MaskKind kind;
+    Array &mask;
+};
+
+struct Best {
+    const std::byte *value;
+    std::int64_t position; // 0: none
+};
+
+// The best of each run. The forms with 32-bit positions start from the first selected
+// element, the others from the start value or, where `by_first`, from the first element
+// of the run if that is selected.
+std::vector<Best> best_of_runs(const Search &s) {
+    const bool by_first = s.along != 0 || (s.form == Value && s.kind != MaskKind::Array &&
+                                           s.array.descriptor.NONCONTIG == 0);
+    std::vector<Best> runs(s.along == 0 ? 1 : elements(without(s.array.shape, s.along)),
+                           Best{s.type.starts[s.extreme], 0});
+    for (std::size_t i = 0; i < s.array.size(); ++i) {
+        if (!selects(s.kind, s.mask, i)) continue;
+        Best &best = runs[result_index(s.array.shape, s.along, i)];
+        const auto position = std::int64_t(position_along(s.array.shape, s.along, i));
+        const bool starts = s.form == Position ? best.position == 0 : by_first && position == 1;
+        if (starts || s.type.replaces[s.extreme](s.array.at(i), best.value))
+            best = {s.array.at(i), position};
+    }
+    return runs;
+}
+
+// A position in the whole array by dimensions; (0, 1, 1...) for none.
+std::vector<Best> by_dimensions(const Shape &shape, std::int64_t position) {
+    std::vector<Best> positions(shape.size(), Best{nullptr, 1});
+    if (position == 0) positions[0].position = 0;
+    std::int64_t rest = position - 1;
+    for (std::size_t i = 0; i < shape.size() && rest >= 0; rest /= shape[i++])
+        positions[i].position = rest % shape[i] + 1;
+    return positions;
+}
+
+// ---- Random calls -----------------------------------------------------------
+
+const std::string mixtures[] = {"o",     "o",  "f",   "c",   "cs",  "=",        "<",
+                                ">",     "+-", "+-s", "+-f", "n",   "on",       "fn",
+                                "nj",    "ni", "+-n", "jjl", "iih", "ij",       "hlij",
+                                "oijhl", "l",  "h",   "j",   "i",   "ffffffffn"};
+
+// A mixture, and single values at the ends and about the boundaries of vectors and regions.
+void fill(Random &random, const Type &type, Array &array) {
+    const auto put = [&](const std::string &sorts, int i) {
+        const char sort = sorts[std::size_t(pick(random, 0, int(sorts.size()) - 1))];
+        type.write_sort(random, array.at(std::size_t(i)), sort, i);
+    };
+    const std::string &mixture = mixtures[pick(random, 0, int(std::size(mixtures)) - 1)];
+    const int last = int(array.size()) - 1;
+    for (int i = 0; i <= last; ++i) put(mixture, i);
+    for (int plants = last < 0 ? 0 : pick(random, 0, 4); plants > 0; --plants) {
+        const int grain = 1 << pick(random, 2, 16);
+        const int boundary = grain * pick(random, 0, last / grain) + pick(random, -1, 1);
+        const int place = coin(random) ? boundary : coin(random) ? 0 : last - pick(random, 0, 3);
+        put("nnhlij+-c", std::clamp(place, 0, last));
+    }
+}
+
+void try_call(Random &random, int dim, const Search &s) {
+    const int rank = s.array.descriptor.RANK;
+    const int size = s.form == Value ? s.type.storage : s.form == Position ? 4 : 8;
+    const int used = s.form == Value ? s.type.used : size;
+    const int unit = s.form != Position && size >= 8 && coin(random) ? 4 : 0;
+    const Shape shape = s.along != 0      ? without(s.array.shape, s.along)
+                        : s.form == Value ? Shape{}
+                                          : Shape{rank};
+    RandomResult result(random, shape, size, true, unit);
+
+    const bool checked = coin(random);
+    Call call;
+    call.list.Flags = checked ? 1 : ~1U;
+    call.array(1, s.array.descriptor).array(3, s.mask.descriptor, s.kind != MaskKind::None);
+    if (dim != 0) call.value(2, rank == 1 && !checked ? pick(random, 1, 9) : dim);
+    result.attach(call);
+    call(s.type.members[s.form][s.extreme]);
+
+    SCOPED_TRACE("form " + std::to_string(s.form) + ", extreme " + std::to_string(s.extreme));
+    auto expected = best_of_runs(s);
+    if (s.form != Value && s.along == 0)
+        expected = by_dimensions(s.array.shape, expected[0].position);
+    for (std::size_t r = 0; r < expected.size(); ++r) {
+        const void *const position = &expected[r].position;
+        const void *const wanted = s.form == Value ? expected[r].value : position;
+        ASSERT_EQ(std::memcmp(result.at(r), wanted, std::size_t(used)), 0)
+            << "result element " << r;
+    }
+    ASSERT_EQ(result.complaint(used), "");
+    const f90_DimInfo first = result.created.Dim[0];
+    ASSERT_TRUE(!result.create || !shape.empty() || (first.Lower == 0 && first.Upper == 0));
+}
+
+// All members of a type on one random array. The forms with 32-bit positions take it
+// that Stride counts elements.
+void try_random_calls(Random &random, const Type &type, const Shape &shape) {
+    const int rank = int(shape.size());
+    const int unit = type.storage >= 8 && pick(random, 0, 2) == 0 ? 4 : 0;
+    Array array = make_array(random, shape, type.storage, coin(random), unit);
+    fill(random, type, array);
+    const auto kind = static_cast<MaskKind>(pick(random, 0, 9) % 4);
+    Array mask = random_mask(random, shape, kind);
+    if (kind == MaskKind::False) array.descriptor.BASE = nullptr;
+    const int dim = pick(random, 0, rank);
+    SCOPED_TRACE("rank " + std::to_string(rank) + ", DIM " + std::to_string(dim) + ", mask kind " +
+                 std::to_string(int(kind)) + ", elements " + std::to_string(array.size()));
+    for (const Form form : forms)
+        for (const Extreme extreme : extremes)
+            if (type.members[form][extreme] != nullptr && !testing::Test::HasFatalFailure() &&
+                (form != Position || array.descriptor.SCALEFACTOR == type.storage))
+                try_call(random, dim,
+                         {type, form, extreme, array, rank == 1 ? 0 : dim, kind, mask});
+}
+
+TEST_P(Extrema, AgreeWithTheModel) {
+    Random random(random_seed());
+    for (int i = 0; i < random_rounds(700) && !HasFatalFailure(); ++i)
+        try_random_calls(random, GetParam(), random_shape(random));
+    // Longer than positions in 8-bit and 16-bit lanes would last.
+    for (int i = 0; i < random_rounds(3) && !HasFatalFailure(); ++i)
+        for (const Shape &shape : {Shape{140000}, Shape{70000, 2}, Shape{2, 70000}})
+            try_random_calls(random, GetParam(), shape);
+}
+
+// ---- Literal cases ----------------------------------------------------------
+
+using Words = std::vector<std::int32_t>;
+
+template <class T> f90_ArrDesc over(std::vector<T> &values, const Shape &extents) {
+    f90_ArrDesc array = shaped(extents, sizeof(T));
+    array.BASE = values.data();
+    return array;
+}
+
+// What a call leaves in a result of n elements, all 7 before, word by word; of 64-bit
+// positions the low word comes first.
+Words answer(f90_Intrinsic *member, Call call, int n, int elsize = 4) {
+    Words words(std::size_t(n * elsize / 4), 7);
+    f90_ArrDesc result = shaped({n}, elsize);
+    result.BASE = words.data();
+    call.result(result)(member);
+    return words;
+}
+
+TEST(ExtremaOfReals, WhatASearchStartsFrom) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float inf = std::numeric_limits<float>::infinity();
+    const float huge = greatest<float>;
+    enum Layout { Dense, Noncontig, Masked };
+    struct {
+        std::vector<float> array;
+        Layout layout;
+        float values[2];
+        int positions[2], long_positions[2];
+    } cases[] = {
+        {{}, Dense, {-huge, huge}, {0, 0}, {0, 0}},
+        {{3, 7, 7, 1}, Dense, {7, 1}, {2, 4}, {2, 4}},
+        {{nan, 1}, Dense, {nan, 1}, {1, 2}, {2, 2}},
+        {{nan, 1}, Noncontig, {1, 1}, {1, 2}, {2, 2}},
+        {{1, nan}, Dense, {1, nan}, {1, 2}, {1, 2}},
+        {{1, nan, 5}, Dense, {5, 5}, {3, 3}, {3, 3}},
+        {{1, 5, nan}, Dense, {5, nan}, {2, 3}, {2, 3}},
+        {{nan, nan}, Dense, {nan, nan}, {1, 2}, {0, 2}},
+        {{nan, nan}, Masked, {-huge, nan}, {1, 2}, {0, 2}},
+        {{-inf, -inf}, Dense, {-inf, -inf}, {1, 1}, {0, 1}},
+        {{-inf, -inf}, Noncontig, {-huge, -inf}, {1, 1}, {0, 1}},
+        {{-inf, -inf}, Masked, {-huge, -inf}, {1, 1}, {0, 1}},
+        {{inf, inf}, Noncontig, {inf, huge}, {1, 1}, {1, 0}},
+        {{-huge, -huge}, Dense, {-huge, -huge}, {1, 1}, {0, 1}},
+        {{0.0F, -0.0F}, Dense, {0.0F, 0.0F}, {1, 1}, {1, 1}},
+        {{-0.0F, 0.0F}, Noncontig, {-0.0F, -0.0F}, {1, 1}, {1, 1}},
+    };
+    const auto &members = types[4].members;
+    for (auto &c : cases) {
+        const int n = int(c.array.size());
+        Words words = {256, 1, INT32_MIN, 2};
+        f90_ArrDesc array = over(c.array, {n});
+        f90_ArrDesc mask = over(words, {n});
+        array.NONCONTIG = c.layout == Noncontig;
+        const Call call = Call().checked().array(1, array).array(3, mask, c.layout == Masked);
+        SCOPED_TRACE("case " + std::to_string(&c - cases));
+        for (const Extreme e : extremes) {
+            EXPECT_EQ(answer(members[Value][e], call, 1)[0],
+                      std::bit_cast<std::int32_t>(c.values[e]));
+            EXPECT_EQ(answer(members[Position][e], call, 1), Words{c.positions[e]});
+            EXPECT_EQ(answer(members[LongPosition][e], call, 1, 8),
+                      (Words{c.long_positions[e], 0}));
+        }
+    }
+}
+
+TEST(ExtremaOfIntegers, ByExtents) {
+    Words numbers = {3, 7, 5, 1};
+    std::int32_t word = 0;
+    f90_ArrDesc no = scalar(&word, 4);
+    f90_ArrDesc square = over(numbers, {2, 2});
+    EXPECT_EQ(answer(f90_maxvali4, Call().array(1, square).value(2, 0), 1), Words{7}) << "no check";
+
+    // A false MASK: a result along DIM is filled by its own extents.
+    Call call = Call().array(1, square).value(2, 1).array(3, no);
+    EXPECT_EQ(answer(f90_maxvali4, call, 5), Words(5, INT32_MIN));
+    EXPECT_EQ(answer(f90_minloci4, call, 5), Words(5, 0));
+    EXPECT_EQ(answer(f90_kminloci4, call, 5, 8), Words(10, 0));
+    f90_ArrDesc cube = over(numbers, {2, 1, 2});
+    call = Call().array(1, cube).array(3, no);
+    EXPECT_EQ(answer(f90_maxloci4, call, 3), (Words{0, 1, 1}));
+    EXPECT_EQ(answer(f90_kmaxloci4, call, 3, 8), (Words{0, 0, 1, 0, 1, 0}));
+
+    // The checks take extents 0 and 1 for equal.
+    f90_ArrDesc empty = shaped({0, 2}, 4);
+    call = Call().checked().array(1, empty).value(2, 2);
+    EXPECT_EQ(answer(f90_minvali4, call, 1), Words{INT32_MAX});
+    EXPECT_EQ(answer(f90_minloci4, call, 1), Words{0});
+    f90_ArrDesc pair = over(numbers, {1, 2});
+    EXPECT_EQ(answer(f90_maxvali4, Call().checked().array(1, pair).value(2, 2), 0), Words{});
+}
+
+// Which of Stride, SCALEFACTOR and the element's size make a step.
+TEST(ExtremaOfIntegers, BySteps) {
+    Words numbers = {0, 9, 1, 4, 3, 6, 7, 0, 5};
+    Words words = {1, 1, 0, 0, 0, 0, 1, 0, 0};
+    f90_ArrDesc row = over(numbers, {2});
+    row.Dim[0].Stride = 3;
+    EXPECT_EQ(answer(f90_maxvali4, Call().array(1, row), 1), Words{9});
+    EXPECT_EQ(answer(f90_maxloci4, Call().array(1, row), 1), Words{1}) << "offset 1 / 3, + 1";
+    row.NONCONTIG = 1;
+    EXPECT_EQ(answer(f90_maxvali4, Call().array(1, row), 1), Words{4});
+    EXPECT_EQ(answer(f90_maxloci4, Call().array(1, row), 1), Words{2});
+
+    f90_ArrDesc array = over(numbers, {2, 2});
+    f90_ArrDesc mask = over(words, {2, 2});
+    array.NONCONTIG = 1;
+    array.SCALEFACTOR = mask.SCALEFACTOR = 8;
+    array.Dim[1].Stride = mask.Dim[1].Stride = 3;
+    const Call whole = Call().array(1, array);
+    const Call along = Call().array(1, array).value(2, 2);
+    const Call masked = Call().array(1, array).array(3, mask);
+    EXPECT_EQ(answer(f90_maxloci4, whole, 2), (Words{2, 2})) << "of 0 1, 4 6";
+    EXPECT_EQ(answer(f90_maxloci4, along, 2), (Words{2, 1})) << "of 0 4, 9 3";
+    EXPECT_EQ(answer(f90_maxloci4, masked, 2), (Words{2, 1})) << "of 0 9";
+    EXPECT_EQ(answer(f90_kmaxloci4, whole, 2, 8), (Words{1, 0, 2, 0})) << "of 0 1, 7 5";
+    EXPECT_EQ(answer(f90_kmaxloci4, along, 2, 8), (Words{2, 0, 2, 0})) << "of 0 7, 1 5";
+    EXPECT_EQ(answer(f90_kmaxloci4, masked, 2, 8), (Words{1, 0, 2, 0})) << "of 0, 7";
+    array.SCALEFACTOR = 2;
+    EXPECT_EQ(answer(f90_maxloci4, whole, 2), (Words{1, 2})) << "of 0 0, 4 4";
+
+    Words spread(4, -1);
+    f90_ArrDesc result = over(spread, {2});
+    result.NONCONTIG = 1;
+    result.SCALEFACTOR = 8;
+    result.Dim[0].Stride = 2;
+    Call(along).result(result)(f90_maxloci4);
+    EXPECT_EQ(spread, (Words{2, -1, 1, -1}));
+}
+
+// ---- Checks -----------------------------------------------------------------
+
+TEST_P(Extrema, ReportMisuse) {
+    const std::string dim_4 = " The DIM parameter had a value of 4.\n"
+                              " Its value should be at least 1 and no larger than 3.\n";
+    const std::string mask_306 = " Array arguments ARRAY and MASK should have the same shape.\n"
+                                 " The shape of argument ARRAY is: (3, 0, 4).\n"
+                                 " The shape of argument MASK is:  (3, 0, 6).\n";
+    const std::string result_35 = " The RESULT array has shape:    (3, 5).\n"
+                                  " The shape of RESULT should be: (3, 0).\n";
+    const std::string result_31 = " The RESULT array has shape:    (3, 1).\n"
+                                  " The shape of RESULT should be: (3).\n";
+    const std::string size_2 = " The RESULT array has size 2. It should have size 3.\n";
+    const struct {
+        Form first;
+        int dim;            // 0: none
+        Shape mask, result; // no extents: to be created
+        std::string report;
+    } cases[] = {
+        {Value, 4, {3, 0, 6}, {3, 5}, dim_4},        {Value, 2, {3, 0, 6}, {}, mask_306},
+        {Value, 3, {3, 0, 6}, {3, 5}, mask_306},     {Value, 3, {3, 1, 4}, {3, 5}, result_35},
+        {Position, 0, {3, 0, 6}, {2}, mask_306},     {Position, 0, {3, 1, 4}, {2, 1}, size_2},
+        {Position, 0, {3, 1, 4}, {3, 1}, result_31},
+    };
+    const std::string names[][2] = {{"MAXVAL", "MINVAL"}, {"MAXLOC", "MINLOC"}};
+    const std::string unknown[] = {"KMAXLOC", "KMINLOC"};
+    for (const auto &c : cases)
+        for (const Form form : forms)
+            for (const Extreme e : extremes) {
+                f90_Intrinsic *const member = GetParam().members[form][e];
+                if (member == nullptr || form < c.first) continue;
+                f90_ArrDesc array = shaped({3, 0, 4}, GetParam().storage);
+                f90_ArrDesc mask = shaped(c.mask, 4);
+                f90_ArrDesc result = shaped(c.result, 8);
+                Call call = Call().checked().array(0, result, !c.result.empty()).array(1, array);
+                call.slot(2, std::uintptr_t(c.dim), c.dim != 0).array(3, mask);
+                EXPECT_EQ(fatal_message([&] { call(member); }),
+                          form == LongPosition ? "ERROR calling the error handler by the\n "
+                                                 "intrinsic subprogram, signed by " +
+                                                     unknown[e] + ".\n"
+                                               : "ERROR calling the intrinsic subprogram " +
+                                                     names[form][e] + ":\n" + c.report);
+            }
+}
+
+} // namespace
