@@ -56,9 +56,13 @@ constinit const Kind complex16 = kind<double>(2, rounding8);
 
 namespace {
 
-double value(Values values, std::uint32_t random, int part) {
+double value(Values values, std::int32_t index, std::uint32_t random, int part) {
     const double sixteenths = (static_cast<int>(random % 33) - 16) / 16.0;
     switch (values) {
+    case Values::Spread:
+        return static_cast<std::int32_t>(random) * (0x1p21 + 1); // exact
+    case Values::Ascending:
+        return index;
     case Values::Integers:
         return static_cast<std::int32_t>(random);
     case Values::OddIntegers:
@@ -69,6 +73,8 @@ double value(Values values, std::uint32_t random, int part) {
         return (part == 0 ? 1 : 0) + sixteenths / 8192;
     case Values::Coins:
         return random >> 31;
+    case Values::OppositeCoins:
+        return 1 - (random >> 31);
     case Values::AllTrue:
         return 1;
     case Values::AllFalse:
@@ -86,7 +92,7 @@ void fill(const Kind &kind, Values values, void *storage, std::int32_t count, un
     auto *part = first;
     for (std::int32_t i = 0; i < std::min(count, stretch); ++i) {
         for (int p = 0; p < kind.parts; ++p, part += kind.part_size)
-            kind.put(part, value(values, random(), p));
+            kind.put(part, value(values, i, random(), p));
     }
     const std::byte *const end = first + kind.size() * static_cast<std::size_t>(count);
     while (part < end) {

@@ -24,11 +24,14 @@ extern const Kind real4, real8, real10, real16;
 extern const Kind complex8, complex16;
 
 enum class Values {
-    Integers,    // of 32 bits at most, either sign
-    OddIntegers, // the same whose product never becomes 0
-    Sixteenths,  // multiples of 1/16 from -1 to 1: their sum is exact in any order
-    NearOne,     // their product stays near 1
-    Coins,       // true or false at random
+    Spread,        // over what integers of up to 4 bytes hold and 53 bits of wider types
+    Ascending,     // by 1 each
+    Integers,      // of 32 bits at most, either sign
+    OddIntegers,   // the same whose product never becomes 0
+    Sixteenths,    // multiples of 1/16 from -1 to 1: their sum is exact in any order
+    NearOne,       // their product stays near 1
+    Coins,         // true or false at random
+    OppositeCoins, // drawn with the same seed: true where Coins are false
     AllTrue,
     AllFalse
 };

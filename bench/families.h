@@ -6,5 +6,7 @@
 namespace bench {
 
 void bench_reductions(Table &table);
+void bench_extrema(Table &table);
+void bench_dot_product(Table &table);
 
 } // namespace bench

@@ -27,18 +27,22 @@ template <class Call> Repeated repeated(Call call) {
 
 enum Contestant { Ours, PeerO2, PeerO3, contestants };
 
+// The peer whose time the ratio is about.
+enum class Rival { Better, O2 };
+
 struct Contest {
     std::string name;
     std::string size;
     Repeated calls[contestants];
     // Whether the answer that a peer left behind is the library's.
     std::function<bool(Contestant peer)> agrees;
+    Rival rival = Rival::Better;
 };
 
 struct Table {
     const char *filter; // part of the names of the rows to run
     int rows = 0;
-    int slower_rows = 0; // than the better peer
+    int slower_rows = 0; // whose ratio is below 1
 };
 
 // Whether the row is to be run: to be asked before its data are made.

@@ -26,9 +26,12 @@ int main(int argc, char **argv) {
     }
     bench::Table table{argc == 2 ? argv[1] : ""};
     std::printf("Processor: %s\n", processor().c_str());
-    std::printf("ratio: time of the better peer / our time; above 1 the library is faster\n\n");
+    std::printf("ratio: time of the better peer / our time; above 1 the library is faster\n");
+    std::printf("O2 behind it: of peer O2, because peer O3 sums in a narrower format\n\n");
     bench::print_heading();
     bench::bench_reductions(table);
+    bench::bench_extrema(table);
+    bench::bench_dot_product(table);
     if (table.rows == 0) {
         std::fprintf(stderr, "no row's name contains \"%s\"\n", table.filter);
         return EXIT_FAILURE;

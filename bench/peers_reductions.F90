@@ -1,16 +1,5 @@
-! The peers of the reductions, as a program would write them. PEER is the prefix of
-! the competitor's symbols. All have one parameter list, whatever each uses of it.
-
-! r = VALUE, where ARRAY and RESULT declare a and r.
-#define REDUCTION(NAME, ARRAY, RESULT, VALUE) \
-subroutine NAME(a, m, rows, columns, d, r) bind(C, name=PEER//"NAME") ;\
-  implicit none ;\
-  integer(4), value :: rows, columns, d ;\
-  ARRAY ;\
-  logical(4) :: m(rows) ;\
-  RESULT ;\
-  r = VALUE ;\
-end subroutine
+! The peers of SUM, PRODUCT, COUNT, ALL and ANY.
+#include "peers.inc"
 
 ! ---- Whole arrays -------------------------------------------------------------
 

@@ -1,0 +1,94 @@
+// What the families of reductions have in common: peers, shapes, storage, and rows
+// of one array. A row names the library's entry, the peers, the data and how they
+// lie; it is run for each of its shapes.
+#pragma once
+
+#include "data.h"
+#include "harness.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+// ---- Peers ------------------------------------------------------------------
+
+// `other` is the MASK, or VECTOR_B.
+using Peer = void(const void *array, const void *other, std::int32_t rows, std::int32_t columns,
+                  std::int32_t dim, void *result);
+
+struct Peers {
+    Peer *o2;
+    Peer *o3;
+};
+
+#define PEERS(NAME)                                                                                \
+    extern "C" Peer o2_##NAME, o3_##NAME;                                                          \
+    static constexpr Peers NAME { o2_##NAME, o3_##NAME }
+
+// ---- Shapes -----------------------------------------------------------------
+
+struct Shape {
+    const char *suffix; // of the row's name
+    const char *size;
+    std::int32_t bytes; // of a vector whose length is not given
+    std::int32_t rows;
+    std::int32_t columns;
+    std::int32_t dim;
+
+    std::int32_t rows_of(const Kind &element) const {
+        return bytes == 0 ? rows : bytes / static_cast<std::int32_t>(element.size());
+    }
+};
+using Shapes = std::vector<Shape>;
+
+constexpr std::int32_t most_bytes = 96 << 20; // well beyond the last cache
+extern const Shapes first_cache, caches;
+extern const Shapes dim1, dim2, middle_row;
+extern const Shapes ten, square, oblong;
+
+std::string full_name(const char *row, const Shape &shape);
+
+// ---- Storage ----------------------------------------------------------------
+
+struct Storage {
+    void *array;
+    void *other; // a MASK, or VECTOR_B
+    void *results[contestants];
+};
+
+// One for all rows.
+const Storage &shared_storage();
+
+// What a contestant fails to write differs from the others' results.
+void spoil(void *const (&results)[contestants], std::size_t bytes);
+
+// ---- Rows of one array ------------------------------------------------------
+
+// How the reduced elements lie in the storage.
+enum class Form {
+    Whole,       // a vector
+    Masked,      // a vector under a MASK of which half is true
+    EverySecond, // element 1, 3, ... of a vector
+    MatrixRow,   // row number `dim` of a matrix
+    Along        // dimension `dim` of a matrix
+};
+
+struct Row {
+    const char *name;
+    f90_Intrinsic *ours;
+    Peers peers;
+    const Kind &element;
+    const Kind &result;
+    Values values;
+    Form form;
+    const Shapes &shapes;
+};
+
+// What the result without DIM is.
+enum class Answer { Value, Location };
+
+void run_rows(Table &table, std::span<const Row> rows, Answer answer);
+
+} // namespace bench
