@@ -1,10 +1,13 @@
-! Reduces Longley's table of economic series in every numeric kind, once with the
+! Reduces Longley's table of economic series in every numeric kind (sums, products,
+! extrema and their places, dot products, counts and conditions), once with the
 ! compiler's own intrinsics and once with the library, prints both and fails when
 ! a pair differs by more than rounding allows. One procedure for each section.
 program longley
     use, intrinsic :: iso_fortran_env, only: error_unit
     use comparison
+    use library_complex8
     use library_integer4
+    use library_integers, only: library_kmaxloc
     use library_logical4
     use library_real4
     use library_real8
@@ -40,6 +43,10 @@ program longley
     call conditions
     call sums_under_mask
     call sums_of_sections
+    call extrema_of_series
+    call places_of_extrema
+    call dot_products_of_series
+    call dot_products_of_changes
     call judge
 
 contains
@@ -253,6 +260,132 @@ contains
                      [library_sum(real10(8, :)), library_sum(real10(years:1:-1, deflator))])
         call compare(runs, years, [sum(real16(8, :)), sum(real16(years:1:-1, deflator))], &
                      [library_sum(real16(8, :)), library_sum(real16(years:1:-1, deflator))])
+    end subroutine
+
+    subroutine extrema_of_series
+        character(25) :: labels(2 * series)
+        logical(4) :: below(years, series)
+
+        labels = ['greatest ' // names, 'smallest ' // names]
+        call open_section('Extrema', &
+            'MAXVAL(table, DIM=1), MINVAL(table, DIM=1). The library creates the results.')
+        call compare(labels, exact, [maxval(int4, 1), minval(int4, 1)], &
+                     [library_maxval(int4, 1), library_minval(int4, 1)])
+        call compare(labels, exact, [maxval(real4, 1), minval(real4, 1)], &
+                     [library_maxval(real4, 1), library_minval(real4, 1)])
+        call compare(labels, exact, [maxval(real8, 1), minval(real8, 1)], &
+                     [library_maxval(real8, 1), library_minval(real8, 1)])
+        call compare(labels, exact, [maxval(real10, 1), minval(real10, 1)], &
+                     [library_maxval(real10, 1), library_minval(real10, 1)])
+        call compare(labels, exact, [maxval(real16, 1), minval(real16, 1)], &
+                     [library_maxval(real16, 1), library_minval(real16, 1)])
+
+        labels = ['next above, ' // names, 'next below, ' // names]
+        call open_section('Values next to the mean of their series', &
+            'MINVAL(table, DIM=1, MASK=table > mean), MAXVAL(table, DIM=1, MASK=table <= mean).' // &
+            new_line('') // 'The library creates the results.')
+        below = .not. above
+        call compare(labels, exact, [minval(int4, 1, above), maxval(int4, 1, below)], &
+                     [library_minval(int4, 1, above), library_maxval(int4, 1, below)])
+        call compare(labels, exact, [minval(real4, 1, above), maxval(real4, 1, below)], &
+                     [library_minval(real4, 1, above), library_maxval(real4, 1, below)])
+        call compare(labels, exact, [minval(real8, 1, above), maxval(real8, 1, below)], &
+                     [library_minval(real8, 1, above), library_maxval(real8, 1, below)])
+        call compare(labels, exact, [minval(real10, 1, above), maxval(real10, 1, below)], &
+                     [library_minval(real10, 1, above), library_maxval(real10, 1, below)])
+        call compare(labels, exact, [minval(real16, 1, above), maxval(real16, 1, below)], &
+                     [library_minval(real16, 1, above), library_maxval(real16, 1, below)])
+    end subroutine
+
+    subroutine places_of_extrema
+        character(*), parameter :: place(4) = [character(16) :: &
+            'greatest, row', 'greatest, column', 'smallest, row', 'smallest, column']
+
+        call open_section('Years of the extrema', &
+            'MAXLOC(table, DIM=1), MINLOC(table, DIM=1): the years at these positions. The library' // &
+            new_line('') // 'creates the positions.')
+        call compare(['greatest ' // names, 'smallest ' // names], exact, &
+                     int4([maxloc(int4, 1), minloc(int4, 1)], series), &
+                     int4([library_maxloc(int4, 1), library_minloc(int4, 1)], series))
+
+        call open_section('Places in the table', &
+            'MAXLOC(table), in the column of GNP, and MINLOC(table(:, 4:5)), of unemployed and armed' // &
+            new_line('') // 'forces. The library creates the results, a row and a column each.')
+        call compare('INTEGER ' // place, exact, [maxloc(int4), minloc(int4(:, 4:5))], &
+                     [library_maxloc(int4), library_minloc(int4(:, 4:5))])
+        call compare('REAL(4) ' // place, exact, [maxloc(real4), minloc(real4(:, 4:5))], &
+                     [library_maxloc(real4), library_minloc(real4(:, 4:5))])
+        call compare('REAL(8) ' // place, exact, [maxloc(real8), minloc(real8(:, 4:5))], &
+                     [library_maxloc(real8), library_minloc(real8(:, 4:5))])
+        call compare('REAL(10) ' // place, exact, [maxloc(real10), minloc(real10(:, 4:5))], &
+                     [library_maxloc(real10), library_minloc(real10(:, 4:5))])
+        call compare('REAL(16) ' // place, exact, [maxloc(real16), minloc(real16(:, 4:5))], &
+                     [library_maxloc(real16), library_minloc(real16(:, 4:5))])
+
+        call open_section('Positions of 64 bits', &
+            'MAXLOC(table, DIM=1, KIND=8) of REAL(8). The library creates the positions.')
+        call compare(names, exact, maxloc(real8, 1, kind=8), library_kmaxloc(real8, 1))
+    end subroutine
+
+    subroutine dot_products_of_series
+        character(*), parameter :: pairs(2) = [character(25) :: &
+            'employment . GNP', 'employment reversed . GNP']
+        real(4), dimension(years) :: people4, gnp4
+        real(8), dimension(years) :: people8, gnp8
+        real(10), dimension(years) :: people10, gnp10
+        real(16), dimension(years) :: people16, gnp16
+
+        people4 = real4(:, 1) / 1000; gnp4 = real4(:, 3) / 1000
+        people8 = real8(:, 1) / 1000; gnp8 = real8(:, 3) / 1000
+        people10 = real10(:, 1) / 1000; gnp10 = real10(:, 3) / 1000
+        people16 = real16(:, 1) / 1000; gnp16 = real16(:, 3) / 1000
+
+        call open_section('Dot products of series', &
+            'DOT_PRODUCT(employment, GNP), DOT_PRODUCT(employment(16:1:-1), GNP), in millions and in' // &
+            new_line('') // 'thousand millions. In the table''s units INTEGER(4) would overflow.')
+        call compare(pairs, years, [dot_product(people4, gnp4), dot_product(people4(16:1:-1), gnp4)], &
+                     [library_dot_product(people4, gnp4), library_dot_product(people4(16:1:-1), gnp4)])
+        call compare(pairs, years, [dot_product(people8, gnp8), dot_product(people8(16:1:-1), gnp8)], &
+                     [library_dot_product(people8, gnp8), library_dot_product(people8(16:1:-1), gnp8)], &
+                     rounded_once=.true.)
+        call compare(pairs, years, [dot_product(people10, gnp10), dot_product(people10(16:1:-1), gnp10)], &
+                     [library_dot_product(people10, gnp10), library_dot_product(people10(16:1:-1), gnp10)])
+        call compare(pairs, years, [dot_product(people16, gnp16), dot_product(people16(16:1:-1), gnp16)], &
+                     [library_dot_product(people16, gnp16), library_dot_product(people16(16:1:-1), gnp16)])
+    end subroutine
+
+    ! Whole numbers, which leave nothing to round.
+    subroutine dot_products_of_changes
+        character(*), parameter :: pairs(2) = [character(25) :: &
+            'employment . employment', 'employment . armed forces']
+        character(*), parameter :: products(3) = ['z . z', 'z . w', 'w . z']
+        integer(4) :: changes(years - 1, series)
+        logical(4) :: falls(years - 1, series)
+        integer :: j
+        complex(8) :: z(years - 1), w(years - 1), theirs(3), ours(3)
+
+        changes = int4(2:, :) - int4(:years - 1, :)
+        call open_section('Dot products of changes', &
+            'DOT_PRODUCT(changes(:, 1), changes(:, j)), of a year over the year before.')
+        call compare(pairs, exact, [(dot_product(changes(:, 1), changes(:, j)), j = 1, 5, 4)], &
+                     [(library_dot_product(changes(:, 1), changes(:, j)), j = 1, 5, 4)])
+
+        z = cmplx(changes(:, 1), changes(:, 4), 8)
+        w = cmplx(changes(:, 6), changes(:, 5), 8)
+        theirs = [dot_product(z, z), dot_product(z, w), dot_product(w, z)]
+        ours = [library_dot_product(z, z), library_dot_product(z, w), library_dot_product(w, z)]
+        call open_section('Dot products of COMPLEX(8)', &
+            'DOT_PRODUCT(z, w), the sum of CONJG(z) * w. The parts of z are the changes of employment' // &
+            new_line('') // 'and unemployed, those of w the changes of population and armed forces.')
+        call compare(products // ', real part', exact, real(theirs), real(ours))
+        call compare(products // ', imaginary part', exact, aimag(theirs), aimag(ours))
+
+        falls = changes < 0
+        call open_section('Falls in the same year', &
+            'DOT_PRODUCT(falls(:, 1), falls(:, j)): whether there is a year in which both fell.')
+        call compare(['employment, unemployed  ', 'employment, armed forces'], years - 1, &
+                     [(dot_product(falls(:, 1), falls(:, j)), j = 4, 5)], &
+                     [(library_dot_product(falls(:, 1), falls(:, j)), j = 4, 5)])
     end subroutine
 
     ! The years of the table from row `first` on, as labels.

@@ -67,6 +67,12 @@ module quillfn_records
     procedure(f90_Intrinsic), bind(C) :: f90_sumi4, f90_sumr4, f90_sumr8, f90_sumr10, f90_sumr16
     procedure(f90_Intrinsic), bind(C) :: f90_prodi4, f90_prodr4, f90_prodr8, f90_prodr10, f90_prodr16
     procedure(f90_Intrinsic), bind(C) :: f90_count4, f90_all4, f90_any4
+    procedure(f90_Intrinsic), bind(C) :: &
+        f90_maxvali4, f90_maxvalr4, f90_maxvalr8, f90_maxvalr10, f90_maxvalr16, &
+        f90_minvali4, f90_minvalr4, f90_minvalr8, f90_minvalr10, f90_minvalr16, &
+        f90_maxloci4, f90_maxlocr4, f90_maxlocr8, f90_maxlocr10, f90_maxlocr16, f90_kmaxlocr8, &
+        f90_minloci4, f90_minlocr4, f90_minlocr8, f90_minlocr10, f90_minlocr16, &
+        f90_dotpri4, f90_dotprr4, f90_dotprr8, f90_dotprr10, f90_dotprr16, f90_dotprc16, f90_dotprl4
 
     interface
         subroutine f90_freespace(space) bind(C)
@@ -172,6 +178,30 @@ contains
             arguments%Presence = ior(arguments%Presence, arg3_present)
         end if
         call entry(arguments)
+    end subroutine
+
+    ! Calls DOT_PRODUCT: Arg1 and Arg2 are the vectors. The value goes to the scalar
+    ! that answer describes; the library leaves one of at most 8 bytes in the slot.
+    ! answer is INOUT because gfortran takes what a descriptor that is only IN leads
+    ! to for unchanged.
+    subroutine multiply(entry, vector_a, vector_b, answer)
+        procedure(f90_Intrinsic) :: entry
+        type(f90_ArrDesc), intent(in), target :: vector_a, vector_b
+        type(f90_ArrDesc), intent(inout) :: answer
+        type(f90_ArgList), target :: arguments
+        integer(c_int8_t), pointer :: value(:), slot(:)
+
+        arguments%Flags = check_shapes
+        arguments%Presence = ior(result_given, ior(arg1_present, arg2_present))
+        arguments%Result%Word0 = transfer(answer%BASE, arguments%Result%Word0)
+        arguments%Arg1%Word0 = word(vector_a)
+        arguments%Arg2%Word0 = word(vector_b)
+        call entry(arguments)
+        if (answer%ELSIZE <= storage_size(arguments%Result) / 8) then
+            call c_f_pointer(answer%BASE, value, [answer%ELSIZE])
+            call c_f_pointer(c_loc(arguments%Result), slot, [answer%ELSIZE])
+            value = slot
+        end if
     end subroutine
 
     ! The address of a descriptor, as a slot holds it.

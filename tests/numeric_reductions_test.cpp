@@ -173,10 +173,6 @@ TEST(NumericReductionValues, OnlyNoncontigBringsStrideIntoPlay) {
 
 // ---- Checks -----------------------------------------------------------------
 
-const std::string header = "ERROR calling the intrinsic subprogram SUM:\n";
-const std::string wrong_dim = " The DIM parameter had a value of 3.\n"
-                              " Its value should be at least 1 and no larger than 2.\n";
-
 // The message of SUM of a 3 x 4 array with arguments of these shapes.
 std::string message(int dim, f90_ArrDesc result, f90_ArrDesc mask, bool create = false) {
     double storage = 1;
@@ -194,27 +190,22 @@ std::string message(int dim, f90_ArrDesc result, f90_ArrDesc mask, bool create =
 
 TEST(NumericReductionChecks, ReportInOrder) {
     const f90_ArrDesc nine = shaped({9}, 8);
-    EXPECT_EQ(message(3, nine, shaped({9, 9}, 4)), header + wrong_dim);
-    EXPECT_EQ(message(3, f90_ArrDesc{}, shaped({9, 9}, 4), true), header + wrong_dim);
-    EXPECT_EQ(message(2, nine, shaped({9, 9}, 4)), header +
-                                                       " The RESULT array has shape:    (9).\n"
-                                                       " The shape of RESULT should be: (3).\n");
+    const f90_ArrDesc wide = shaped({9, 9}, 4);
+    EXPECT_EQ(message(3, nine, wide), report("SUM", wrong_dim(3, 2)));
+    EXPECT_EQ(message(3, f90_ArrDesc{}, wide, true), report("SUM", wrong_dim(3, 2)));
+    EXPECT_EQ(message(2, nine, wide), report("SUM", wrong_result("9", "3")));
     EXPECT_EQ(message(1, shaped({4}, 8), shaped({3, 9}, 4)),
-              header + " Array arguments ARRAY and MASK should have the same shape.\n"
-                       " The shape of argument ARRAY is: (3, 4).\n"
-                       " The shape of argument MASK is:  (3, 9).\n");
+              report("SUM", wrong_mask("3, 4", "3, 9")));
 }
 
 // Extents 0 and 1 are equal, and nothing is checked without the flag.
 TEST(NumericReductionChecks, LetPass) {
-    std::int32_t numbers[] = {1, 2, 3, 4};
-    std::int32_t sums[] = {7, 7};
+    std::vector<std::int32_t> numbers = {1, 2, 3, 4};
+    std::vector<std::int32_t> sums = {7, 7};
     f90_ArrDesc empty = shaped({0, 2}, 4);
-    f90_ArrDesc square = shaped({2, 2}, 4);
-    square.BASE = numbers;
-    f90_ArrDesc one = shaped({1}, 4);
-    f90_ArrDesc nine = shaped({9}, 4);
-    one.BASE = nine.BASE = sums;
+    f90_ArrDesc square = over(numbers, {2, 2});
+    f90_ArrDesc one = over(sums, {1});
+    f90_ArrDesc nine = over(sums, {9});
     Call().checked().array(1, empty).value(2, 2).result(one)(f90_sumi4);
     EXPECT_EQ(sums[0], 7) << "an empty kept dimension writes nothing";
     Call().array(1, square).value(2, 2).result(nine)(f90_sumi4);

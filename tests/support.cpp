@@ -221,4 +221,36 @@ std::string fatal_message(const std::function<void()> &body) {
     return status == 1 ? err : "status " + std::to_string(status) + ": " + err;
 }
 
+// ---- Messages ---------------------------------------------------------------
+
+std::string report(const std::string &name, const std::string &message) {
+    return "ERROR calling the intrinsic subprogram " + name + ":\n" + message;
+}
+
+std::string report_of_unknown(const std::string &name) {
+    return "ERROR calling the error handler by the\n intrinsic subprogram, signed by " + name +
+           ".\n";
+}
+
+std::string wrong_dim(int dim, int rank) {
+    return " The DIM parameter had a value of " + std::to_string(dim) +
+           ".\n Its value should be at least 1 and no larger than " + std::to_string(rank) + ".\n";
+}
+
+std::string wrong_mask(const std::string &array, const std::string &mask) {
+    return " Array arguments ARRAY and MASK should have the same shape.\n"
+           " The shape of argument ARRAY is: (" +
+           array +
+           ").\n"
+           " The shape of argument MASK is:  (" +
+           mask + ").\n";
+}
+
+std::string wrong_result(const std::string &result, const std::string &expected) {
+    return " The RESULT array has shape:    (" + result +
+           ").\n"
+           " The shape of RESULT should be: (" +
+           expected + ").\n";
+}
+
 } // namespace test

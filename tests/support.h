@@ -127,8 +127,13 @@ std::string strays(const Array &array, const std::vector<std::byte> &before, int
 
 // The descriptor of a scalar at `value`.
 f90_ArrDesc scalar(void *value, int elsize);
-// A dense array without storage, of the given extents.
+// A dense array without storage, of the given extents; and one over these values.
 f90_ArrDesc shaped(const Shape &extents, int elsize);
+template <class T> f90_ArrDesc over(std::vector<T> &values, const Shape &extents) {
+    f90_ArrDesc array = shaped(extents, sizeof(T));
+    array.BASE = values.data();
+    return array;
+}
 
 // A record under construction; sets bits of Presence as it goes. Numbers are those
 // of the slots: 0 the result, 1 to 4 the arguments.
@@ -178,5 +183,13 @@ Outcome in_child(const std::function<void()> &body);
 // The message of a call that must end the process with status 1; otherwise text
 // that no message equals.
 std::string fatal_message(const std::function<void()> &body);
+
+// What is reported under a name, and under one without messages of its own. Shapes
+// are lists of extents as they are printed.
+std::string report(const std::string &name, const std::string &message);
+std::string report_of_unknown(const std::string &name);
+std::string wrong_dim(int dim, int rank);
+std::string wrong_mask(const std::string &array, const std::string &mask);
+std::string wrong_result(const std::string &result, const std::string &expected);
 
 } // namespace test

@@ -25,7 +25,6 @@ struct Pairs {
 template <class Dot> void fold_pairs(typename Dot::Accumulator &sum, const Pairs &pairs) {
     using Element = typename Dot::Element;
     auto running = sum;
-#pragma GCC unroll 4
     for (std::int32_t i = 0; i < pairs.count; ++i)
         running = Dot::step(running, load<Element>(pairs.a + i * pairs.a_step),
                             load<Element>(pairs.b + i * pairs.b_step));
@@ -144,44 +143,52 @@ template <class Element> bool any_pair(const Pairs &pairs) {
     return false;
 }
 
-// Whether all bytes from `at` on can be read where the first one can.
-inline bool within_page(ConstBytes at, std::int32_t bytes) {
+// How many bytes from `at` on can be read where the first one can.
+inline std::int32_t left_in_page(ConstBytes at) {
     constexpr std::uintptr_t page = 4096;
-    return reinterpret_cast<std::uintptr_t>(at) % page <= page - static_cast<std::uintptr_t>(bytes);
+    return static_cast<std::int32_t>(page - reinterpret_cast<std::uintptr_t>(at) % page);
 }
 
-// Adjacent elements, by blocks. A block of VECTOR_A may be read ahead of a hit in it
-// as long as that cannot be noticed.
+// Adjacent elements, by blocks that lie in one page: a block may be read ahead of a hit
+// in it, since nobody can notice.
 template <class Element> struct AdjacentPairs {
-    static constexpr bool uses_avx512 = sizeof(Element) < 4; // loads such lanes under a mask
+    static constexpr bool uses_avx512 = true; // loads lanes of any size under a mask
     static constexpr std::int32_t size = sizeof(Element);
 
-    template <int Width> static bool any_true(ConstBytes a) {
-        using V = Lanes<Element, Width>;
-        return any_bit<Width>((load_lanes<V>(a) | load_lanes<V>(a + Width)) |
-                              (load_lanes<V>(a + 2 * Width) | load_lanes<V>(a + 3 * Width)));
+    static bool any_true(ConstBytes a, std::int32_t count) {
+        Element any = 0;
+        for (std::int32_t i = 0; i < count; ++i) any |= load<Element>(a + i * size);
+        return any != 0;
     }
 
-    // The loop becomes loads under a mask: elements beside false ones stay unread.
-    static bool any_both(ConstBytes a, ConstBytes b, std::int32_t count) {
+    // The loop becomes loads under a mask: elements beside false ones stay unread. Also
+    // tells whether VECTOR_A has true ones.
+    static bool any_both(ConstBytes a, ConstBytes b, std::int32_t count, bool &any_in_a) {
+        Element any = 0;
         Element both = 0;
-        for (std::int32_t i = 0; i < count; ++i)
-            if (load<Element>(a + i * size) != 0) both |= load<Element>(b + i * size);
+        for (std::int32_t i = 0; i < count; ++i) {
+            const auto element = load<Element>(a + i * size);
+            any |= element;
+            if (element != 0) both |= load<Element>(b + i * size);
+        }
+        any_in_a = any != 0;
         return both != 0;
     }
 
-    template <int Width>
-    static void run(Element &found, ConstBytes a, ConstBytes b, std::int32_t count) {
-        constexpr std::int32_t bytes = 4 * Width;
-        constexpr std::int32_t block = bytes / size;
-        for (; found == 0 && count >= block; count -= block, a += bytes, b += bytes) {
-            if (!within_page(a, bytes))
-                found = any_pair<Element>({a, b, size, size, block});
-            else if (any_true<Width>(a))
-                found = within_page(b, bytes) ? any_both(a, b, block)
-                                              : any_pair<Element>({a, b, size, size, block});
+    // Where VECTOR_A is false for long, it alone is looked at.
+    template <int> static void run(Element &found, ConstBytes a, ConstBytes b, std::int32_t count) {
+        constexpr std::int32_t block_bytes = 1024;
+        bool any_in_a = false;
+        for (std::int32_t here; found == 0 && count > 0; count -= here) {
+            here = std::min({block_bytes, left_in_page(a), left_in_page(b)}) / size;
+            here = std::min(std::max(here, 1), count); // one element may lie in two pages
+            if (here == 1)
+                found = any_pair<Element>({a, b, size, size, 1});
+            else if (any_in_a || any_true(a, here))
+                found = any_both(a, b, here, any_in_a);
+            a += here * size;
+            b += here * size;
         }
-        if (found == 0) found = any_pair<Element>({a, b, size, size, count});
     }
 };
 
