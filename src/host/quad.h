@@ -4,6 +4,9 @@
 // that arrays of compiled code do not have.
 #pragma once
 
+#include <cstdint>
+#include <cstring>
+
 namespace quill {
 
 // Four words, low first: the high one holds the sign in bit 31, the exponent in
@@ -35,14 +38,34 @@ static_assert(sizeof(Quad) == 16 && alignof(Quad) == 4);
 // program's locale plays no part.
 Quad string_to_fp128(const char *literal);
 
+// The bits of a value, in halves.
+struct QuadBits {
+    std::uint64_t low;
+    std::uint64_t high;
+
+    explicit QuadBits(const Quad &value) { std::memcpy(this, &value, sizeof value); }
+    bool negative() const { return high >> 63 != 0; }
+    std::uint64_t magnitude() const { return high & ~(std::uint64_t{1} << 63); }
+    bool is_zero() const { return (magnitude() | low) == 0; }
+    bool is_nan() const {
+        constexpr std::uint64_t infinity = std::uint64_t{0x7FFF} << 48;
+        return magnitude() + (low != 0 ? 1 : 0) > infinity;
+    }
+};
+
 // Whether a < b and less, or a > b and greater, or a == b and equal; an
-// unordered pair is none of the three.
+// unordered pair is none of the three. By bits, which is quicker than libgcc's
+// comparison.
 inline int _compare_fp(const Quad &a, const Quad &b, const int &less, const int &greater,
                        const int &equal) {
-    return (less != 0 && a.number < b.number) || (greater != 0 && a.number > b.number) ||
-                   (equal != 0 && a.number == b.number)
-               ? 1
-               : 0;
+    const QuadBits x(a);
+    const QuadBits y(b);
+    if (x.is_nan() || y.is_nan()) return 0;
+    if ((x.high == y.high && x.low == y.low) || (x.is_zero() && y.is_zero()))
+        return equal != 0 ? 1 : 0;
+    const bool further = x.high > y.high || (x.high == y.high && x.low > y.low); // from zero
+    const bool is_less = x.negative() != y.negative() ? x.negative() : further == x.negative();
+    return (is_less ? less : greater) != 0 ? 1 : 0;
 }
 
 // x times 2 to the power n, correctly rounded where the result is subnormal.

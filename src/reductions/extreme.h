@@ -70,6 +70,10 @@ template <> inline bool Minimum<Real16>::replaces(const Real16 &element, const R
     return _compare_fp(element, best, 1, 0, 0) != 0;
 }
 
+// AVX-512 compares lanes of 64-bit integers and chooses between them at once.
+template <class Order>
+constexpr bool profits_from_avx512 = std::is_same_v<typename Order::Element, std::int64_t>;
+
 // The best element so far, and its number in the search, from 0.
 template <class Element> struct Best {
     Element value;
@@ -183,6 +187,7 @@ void place_in_region(Best<typename Order::Element> &best, ConstBytes array, std:
 // Adjacent elements, the first of which has `number`.
 template <class Order, bool wants_place> struct DenseSearch {
     using Element = typename Order::Element;
+    static constexpr bool uses_avx512 = profits_from_avx512<Order>;
 
     template <int Width>
     static void run(Best<Element> &best, ConstBytes array, std::int32_t count,
@@ -203,6 +208,7 @@ template <class Order, bool wants_place> struct DenseSearch {
 // The same beside adjacent MASK words. What does not count beats nothing.
 template <class Order, bool wants_place> struct MaskedSearch {
     using Element = typename Order::Element;
+    static constexpr bool uses_avx512 = profits_from_avx512<Order>;
 
     template <int Width>
     static void run(Best<Element> &best, ConstBytes array, ConstBytes mask, std::int32_t count,

@@ -30,24 +30,26 @@ template <class Order> struct ExtremumFold {
 
 template <class Order> struct Extremum : ExtremumFold<Order> {};
 
+// A search as a kernel of a fold.
+template <class Search> struct SearchKernel {
+    static constexpr bool uses_avx512 = Search::uses_avx512;
+
+    template <int Width, class... Arguments>
+    static void run(typename Search::Element &value, Arguments... arguments) {
+        Best<typename Search::Element> best = {value, 0};
+        Search::template run<Width>(best, arguments..., 0);
+        value = best.value;
+    }
+};
+
 // Reals that vectors hold.
 template <class Order>
 requires std::is_floating_point_v<typename Order::Element> &&
     is_vectorisable<typename Order::Element>
 struct Extremum<Order> : ExtremumFold<Order> {
-    using Element = typename Order::Element;
-
-    template <class Search> struct Kernel {
-        template <int Width, class... Arguments>
-        static void run(Element &value, Arguments... arguments) {
-            Best<Element> best = {value, 0};
-            Search::template run<Width>(best, arguments..., 0);
-            value = best.value;
-        }
-    };
     struct Kernels {
-        using Dense = Kernel<DenseSearch<Order, false>>;
-        using Masked = Kernel<MaskedSearch<Order, false>>;
+        using Dense = SearchKernel<DenseSearch<Order, false>>;
+        using Masked = SearchKernel<MaskedSearch<Order, false>>;
     };
 };
 
@@ -58,7 +60,12 @@ struct Extremum<Order> : ExtremumFold<Order> {
     using Element = typename Order::Element;
     static constexpr bool reorderable = true;
     static constexpr bool starts_at_first = false;
+    static constexpr bool uses_avx512 = profits_from_avx512<Order>;
     static constexpr std::int32_t lane_rounds = std::numeric_limits<std::int32_t>::max();
+    struct Kernels {
+        using Dense = DenseFold<Extremum, 1>;
+        using Masked = SearchKernel<MaskedSearch<Order, false>>;
+    };
 
     static Element neutral() { return Order::neutral(); }
     template <class V> static V lane_start() { return V{} + neutral(); }

@@ -111,6 +111,8 @@ void fold_adjacent_runs(const typename Fold::Accumulator &start, const RunBatch 
 
 // Runs of adjacent elements, one after the other.
 template <class Fold> struct DenseRuns {
+    static constexpr bool uses_avx512 = requires { requires KernelsOf<Fold>::Dense::uses_avx512; };
+
     template <int Width>
     static void run(const typename Fold::Accumulator &start, const RunBatch &batch) {
         for (std::int32_t i = 0; i < batch.runs.count; ++i) {

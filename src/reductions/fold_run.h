@@ -12,6 +12,7 @@
 //     lane_rounds                  this many rounds of four vectors before
 //     absorb(accumulator, lanes)   the vectors go into the accumulator
 //     watches, note                lanes of elements that vectors cannot fold are noted
+//     uses_avx512                  where it helps the lanes
 //   Kernels                        Dense and Masked: kernels of its own for dense runs,
 //                                  of a fold that is reorderable but for rare elements
 //   ends_early, decided(acc)       further elements change nothing
@@ -57,6 +58,7 @@ template <class Fold>
 // than fill one vector go to the next narrower width. Of `spread` adjacent
 // elements the first counts: with 2, every other one.
 template <class Fold, int spread> struct DenseFold {
+    static constexpr bool uses_avx512 = requires { requires Fold::uses_avx512; };
     using Element = typename Fold::Element;
     using Accumulator = typename Fold::Accumulator;
     static constexpr std::int32_t step = spread * sizeof(Element);

@@ -242,6 +242,8 @@ template <class Order, bool masked> void search_adjacent_runs(const LocationBatc
 
 // Runs of adjacent elements, one after the other.
 template <class Order> struct DenseSearches {
+    static constexpr bool uses_avx512 = profits_from_avx512<Order>;
+
     template <int Width> static void run(const LocationBatch &batch) {
         for (std::int32_t i = 0; i < batch.runs.runs.count; ++i) {
             const Positions<2> from = batch.runs.start_of(i);
