@@ -269,7 +269,23 @@ template <class Order> void search_single_runs(const LocationBatch &batch) {
     }
 }
 
-template <class Order> void search_batch(const LocationBatch &batch) {
+// Few and short runs without MASK, in the plainest loop.
+template <class Order>
+void search_short_runs(const Positions<3> &first, const Run<3> &runs, const Run<2> &run,
+                       bool wide) {
+    Bytes array = first.at[Array];
+    Bytes result = first.at[Result];
+    for (std::int32_t i = runs.count; i > 0; --i) {
+        Best<typename Order::Element> best = {load<typename Order::Element>(array), 0};
+        search_spaced<Order>(best, array, run.step.by[Array], run.count, 0);
+        store_position(result, best.place + 1, wide);
+        array += runs.step.by[Array];
+        result += runs.step.by[Result];
+    }
+}
+
+// Chooses how a batch of longer or many runs is searched.
+template <class Order> [[gnu::noinline]] void search_batch(const LocationBatch &batch) {
     constexpr std::ptrdiff_t size = sizeof(typename Order::Element);
     const RunBatch &runs = batch.runs;
     if constexpr (is_vectorisable<typename Order::Element>) {
@@ -308,7 +324,10 @@ template <class Order> void locate_along_dim(const LocationCall &call) {
     }
     for_each_run(kept, {{base(call.array), call.mask_base(), base(call.result)}},
                  [&](const Positions<3> &first, const Run<3> &runs) {
-                     search_batch<Order>({call, {first, runs, run, call.mask != nullptr}});
+                     if (run.count <= few && runs.count < few && call.mask == nullptr)
+                         search_short_runs<Order>(first, runs, run, call.wide);
+                     else
+                         search_batch<Order>({call, {first, runs, run, call.mask != nullptr}});
                      return true;
                  });
 }
