@@ -74,10 +74,14 @@ inline std::int32_t extent(const f90_DimInfo &dim) {
                                      static_cast<std::uint32_t>(dim.Lower) + 1U);
 }
 
-// Distance in bytes between neighbours along dimension i.
-inline std::ptrdiff_t byte_step(const f90_ArrDesc &array, int i) {
+// Distance in bytes between neighbours along dimension i, Stride counting `unit` bytes.
+inline std::ptrdiff_t byte_step(const f90_ArrDesc &array, int i, std::int32_t unit) {
     return static_cast<std::ptrdiff_t>(static_cast<std::size_t>(array.Dim[i].Stride) *
-                                       static_cast<std::size_t>(array.SCALEFACTOR));
+                                       static_cast<std::size_t>(unit));
+}
+
+inline std::ptrdiff_t byte_step(const f90_ArrDesc &array, int i) {
+    return byte_step(array, i, array.SCALEFACTOR);
 }
 
 // Sum of subscript x Stride over the first `rank` dimensions, wrapping as the

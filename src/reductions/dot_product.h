@@ -102,7 +102,7 @@ template <class Element> struct AdjacentProducts {
         ProductLanes<Element, Width> first;
         ProductLanes<Element, Width> second;
         std::int32_t i = 0;
-        for (; i + 2 * per_vector <= count; i += 2 * per_vector) {
+        for (; count - i >= 2 * per_vector; i += 2 * per_vector) {
             first.add(load_lanes<V>(a + i * size), load_lanes<V>(b + i * size));
             second.add(load_lanes<V>(a + i * size + Width), load_lanes<V>(b + i * size + Width));
         }

@@ -146,7 +146,7 @@ std::int32_t first_equal(ConstBytes array, const Element &wanted, std::int32_t c
     constexpr std::int32_t size = sizeof(Element);
     constexpr std::int32_t at_once = 4 * Width / size;
     std::int32_t i = 0;
-    for (; i + at_once <= count; i += at_once) {
+    for (; count - i >= at_once; i += at_once) {
         ConstBytes at = array + i * size;
         const auto found = (load_lanes<V>(at) == wanted) | (load_lanes<V>(at + Width) == wanted) |
                            (load_lanes<V>(at + 2 * Width) == wanted) |

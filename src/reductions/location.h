@@ -13,12 +13,12 @@ namespace quill {
 
 struct LocationCall : MaskedCall {
     bool wide; // a k form
-    std::ptrdiff_t element_size;
+    std::int32_t element_size;
 
     std::int32_t result_size() const { return wide ? 8 : 4; }
     // The plain forms step by the size of what they read or write.
-    std::ptrdiff_t step(const f90_ArrDesc &operand, int i, std::ptrdiff_t size) const {
-        return wide ? byte_step(operand, i) : operand.Dim[i].Stride * size;
+    std::ptrdiff_t step(const f90_ArrDesc &operand, int i, std::int32_t size) const {
+        return byte_step(operand, i, wide ? operand.SCALEFACTOR : size);
     }
     std::ptrdiff_t array_step(int i) const { return step(array, i, element_size); }
     std::ptrdiff_t mask_step(int i) const {

@@ -21,10 +21,9 @@ struct MaskedCall {
     bool nothing_selected; // by a false scalar MASK
 
     bool along_dim() const { return has_dim && rank != 1; }
-    bool dense_operands() const {
-        return array.NONCONTIG == 0 && (mask == nullptr || mask->NONCONTIG == 0);
-    }
-    bool dense() const { return dense_operands() && result.NONCONTIG == 0; }
+    bool dense_mask() const { return mask == nullptr || mask->NONCONTIG == 0; }
+    bool dense_operands() const { return array.NONCONTIG == 0 && dense_mask(); }
+    bool dense() const { return array.NONCONTIG == 0 && result.NONCONTIG == 0 && dense_mask(); }
     Bytes mask_base() const { return mask == nullptr ? nullptr : base(*mask); }
     std::ptrdiff_t mask_step(int i) const { return mask == nullptr ? 0 : byte_step(*mask, i); }
 };
@@ -43,9 +42,10 @@ inline MaskedCall read_masked_call(const f90_ArgList &list) {
 
 // A scalar MASK selects everything or nothing.
 inline void resolve_scalar_mask(MaskedCall &call) {
-    if (call.mask == nullptr || call.mask->RANK != 0) return;
-    call.nothing_selected = load<Word>(base(*call.mask)) == 0;
-    call.mask = nullptr;
+    if (call.mask != nullptr && call.mask->RANK == 0) [[unlikely]] {
+        call.nothing_selected = load<Word>(base(*call.mask)) == 0;
+        call.mask = nullptr;
+    }
 }
 
 // ---- The whole array --------------------------------------------------------
