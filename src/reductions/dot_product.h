@@ -91,6 +91,8 @@ template <int Width> struct ProductLanes<Int1, Width> {
     }
 };
 
+template <class Element> struct IntegerDot;
+
 template <class Element> struct AdjacentProducts {
     static constexpr bool uses_avx512 = sizeof(Element) == 8; // multiplies such lanes at once
 
@@ -108,9 +110,7 @@ template <class Element> struct AdjacentProducts {
         }
         first.sum += second.sum;
         sum = static_cast<Element>(sum + first.total());
-        for (; i < count; ++i)
-            sum = static_cast<Element>(sum + 1U * load<Element>(a + i * size) *
-                                                 load<Element>(b + i * size));
+        fold_pairs<IntegerDot<Element>>(sum, {a + i * size, b + i * size, size, size, count - i});
     }
 };
 

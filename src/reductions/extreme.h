@@ -93,16 +93,30 @@ template <class Order>
 }
 
 template <class Order>
-void search_masked_spaced(Best<typename Order::Element> &best, const Positions<2> &from,
+void search_masked_spaced(Best<typename Order::Element> &best, ConstBytes array, ConstBytes mask,
                           const Steps<2> &step, std::int32_t count, std::int32_t number) {
     for (std::int32_t i = 0; i < count; ++i) {
-        if (load<Word>(from.at[1] + i * step.by[1]) == 0) continue;
-        const auto element = load<typename Order::Element>(from.at[0] + i * step.by[0]);
+        if (load<Word>(mask + i * step.by[1]) == 0) continue;
+        const auto element = load<typename Order::Element>(array + i * step.by[0]);
         if (Order::replaces(element, best.value)) best = {element, number + i};
     }
 }
 
 // ---- By regions -------------------------------------------------------------
+
+// What a fold of either order does to vectors.
+template <class Order> struct OrderedLanes {
+    static constexpr std::int32_t lane_rounds = std::numeric_limits<std::int32_t>::max();
+
+    static typename Order::Element neutral() { return Order::neutral(); }
+    template <class V> static V lane_start() { return V{} + neutral(); }
+    template <class V> static V lane_step(const V &best, const V &elements) {
+        return Order::lane_step(best, elements);
+    }
+    template <class V> static V lane_combine(const V &a, const V &b) {
+        return Order::lane_step(a, b);
+    }
+};
 
 // The extreme value of the ordered elements of a region.
 template <class Element> struct Region {
@@ -110,26 +124,16 @@ template <class Element> struct Region {
     bool has_unordered; // of elements that would replace
 };
 
-template <class Order> struct RegionFold {
+template <class Order> struct RegionFold : OrderedLanes<Order> {
     using Element = typename Order::Element;
     using Accumulator = Region<Element>;
     static constexpr bool reorderable = true;
     static constexpr bool watches = Order::unordered_replaces;
     static constexpr bool ends_early = false;
-    static constexpr std::int32_t lane_rounds = std::numeric_limits<std::int32_t>::max();
 
-    static Element neutral() { return Order::neutral(); }
     static Accumulator step(const Accumulator &region, const Element &element) {
         return {Order::beats(element, region.value) ? element : region.value,
                 region.has_unordered || (watches && element != element)};
-    }
-
-    template <class V> static V lane_start() { return V{} + neutral(); }
-    template <class V> static V lane_step(const V &best, const V &elements) {
-        return Order::lane_step(best, elements);
-    }
-    template <class V> static V lane_combine(const V &a, const V &b) {
-        return Order::lane_step(a, b);
     }
     template <class V> static auto watch(const V &elements) { return elements != elements; }
     static void note(Accumulator &region, bool unordered) { region.has_unordered |= unordered; }
@@ -194,13 +198,14 @@ template <class Order, bool wants_place> struct DenseSearch {
                     std::int32_t number) {
         constexpr std::int32_t size = sizeof(Element);
         constexpr std::int32_t region = 16384 / size; // stays in the first cache
-        for (std::int32_t here; count > 0; count -= here, array += here * size, number += here) {
+        for (std::int32_t here; count > 0; count -= here, number += here) {
             here = std::min(count, region);
             const Bearing bearing = take_region<Order, Width>(best, array, here);
             if (bearing == Bearing::Better)
                 place_in_region<Order, wants_place, Width>(best, array, here, number);
             else if (bearing == Bearing::OnlyInOrder)
                 search_spaced<Order>(best, array, size, here, number);
+            array += here * size;
         }
     }
 };
@@ -219,19 +224,18 @@ template <class Order, bool wants_place> struct MaskedSearch {
         const Element neutral = Order::neutral();
         Element counting[region];
         const auto elements = reinterpret_cast<ConstBytes>(counting);
-        for (std::int32_t done = 0, here; done < count; done += here) {
-            here = std::min(count - done, region);
-            const Positions<2> from = {
-                {const_cast<Bytes>(array + done * size), const_cast<Bytes>(mask + done * word)}};
+        for (std::int32_t here; count > 0; count -= here, number += here) {
+            here = std::min(count, region);
             for (std::int32_t i = 0; i < here; ++i)
-                counting[i] = load<Word>(from.at[1] + i * word) != 0
-                                  ? load<Element>(from.at[0] + i * size)
-                                  : neutral;
+                counting[i] =
+                    load<Word>(mask + i * word) != 0 ? load<Element>(array + i * size) : neutral;
             const Bearing bearing = take_region<Order, Width>(best, elements, here);
             if (bearing == Bearing::Better)
-                place_in_region<Order, wants_place, Width>(best, elements, here, number + done);
+                place_in_region<Order, wants_place, Width>(best, elements, here, number);
             else if (bearing == Bearing::OnlyInOrder)
-                search_masked_spaced<Order>(best, from, {{size, word}}, here, number + done);
+                search_masked_spaced<Order>(best, array, mask, {{size, word}}, here, number);
+            array += here * size;
+            mask += here * word;
         }
     }
 };

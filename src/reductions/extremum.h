@@ -56,25 +56,16 @@ struct Extremum<Order> : ExtremumFold<Order> {
 // Integers: no element lies beyond the start value, so that it makes no difference.
 template <class Order>
 requires std::is_integral_v<typename Order::Element>
-struct Extremum<Order> : ExtremumFold<Order> {
+struct Extremum<Order> : ExtremumFold<Order>, OrderedLanes<Order> {
     using Element = typename Order::Element;
     static constexpr bool reorderable = true;
     static constexpr bool starts_at_first = false;
     static constexpr bool uses_avx512 = profits_from_avx512<Order>;
-    static constexpr std::int32_t lane_rounds = std::numeric_limits<std::int32_t>::max();
     struct Kernels {
         using Dense = DenseFold<Extremum, 1>;
         using Masked = SearchKernel<MaskedSearch<Order, false>>;
     };
 
-    static Element neutral() { return Order::neutral(); }
-    template <class V> static V lane_start() { return V{} + neutral(); }
-    template <class V> static V lane_step(const V &best, const V &elements) {
-        return Order::lane_step(best, elements);
-    }
-    template <class V> static V lane_combine(const V &a, const V &b) {
-        return Order::lane_step(a, b);
-    }
     template <int Width> static void absorb(Element &best, const Lanes<Element, Width> &lanes) {
         absorb_lanes<Extremum, Width>(best, lanes);
     }

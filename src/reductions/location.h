@@ -105,7 +105,8 @@ void search_masked_run(Search<Order> &search, Positions<2> from, const Run<2> &r
         if (run.step.by[0] == sizeof(Element) && run.step.by[1] == sizeof(Word))
             return run_vectorised<MaskedSearch<Order, true>>(search.best, from.at[0], from.at[1],
                                                              run.count - i, number + i);
-    search_masked_spaced<Order>(search.best, from, run.step, run.count - i, number + i);
+    search_masked_spaced<Order>(search.best, from.at[0], from.at[1], run.step, run.count - i,
+                                number + i);
 }
 
 // ---- The whole array --------------------------------------------------------
