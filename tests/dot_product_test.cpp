@@ -74,7 +74,7 @@ f90_ArrDesc place(Random &random, const Guarded &pages, const std::vector<typena
     d.RANK = pick(random, 0, 7);
     d.NONCONTIG = coin(random);
     d.EXTENT = all.size();
-    d.SCALEFACTOR = coin(random) && step % T::size == 0 ? T::size : T::size < 4 ? 1 : 4;
+    d.SCALEFACTOR = coin(random) && step % T::size == 0 ? T::size : T::size < 8 ? 1 : 4;
     d.Dim[0].Stride = step / d.SCALEFACTOR;
     return d;
 }
@@ -107,7 +107,7 @@ bool folds_to(f90_ArrDesc a, f90_ArrDesc b, const typename T::Sum &expected, uns
 // before, so that what is left tells how sums were rounded.
 template <class T> bool try_random_call(Random &random, const Guarded &one, const Guarded &other) {
     const int share_a = 64 >> pick(random, 0, 7), share_b = 64 >> pick(random, 0, 7);
-    const int n = pick(random, 0, 29) == 0 ? pick(random, 1000, 3000) : pick(random, 0, 300);
+    const int n = pick(random, 0, 15) == 0 ? pick(random, 1000, 3000) : pick(random, 0, 300);
     const int cut = coin(random) ? n : pick(random, 0, n);
     const int run = coin(random) ? n + 1 : pick(random, 1, n / 2 + 1);
     std::vector<typename T::Element> a(n), b(n);

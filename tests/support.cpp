@@ -73,6 +73,29 @@ Array make_array(Random &random, const Shape &shape, int elsize, bool spaced, in
     return array;
 }
 
+void fill(Random &random, Array &array, WriteSort *write_sort) {
+    static const std::string most[] = {"o", "f", "c", "s", "+-", "+-", "+-", "n",
+                                       "i", "j", "h", "l", "=",  "<",  ">"};
+    static const std::string some[] = {"", "", "o", "f", "n", "n", "i", "j", "h", "l"};
+    std::string mixture;
+    const std::string &sorts = most[pick(random, 0, int(std::size(most)) - 1)];
+    for (int times = 1 << pick(random, 0, 4); times > 0; --times) mixture += sorts;
+    for (int times = 2; times > 0; --times)
+        mixture += some[pick(random, 0, int(std::size(some)) - 1)];
+    const auto put = [&](int i, const std::string &of) {
+        const char sort = of[std::size_t(pick(random, 0, int(of.size()) - 1))];
+        write_sort(random, array.at(std::size_t(i)), sort, i);
+    };
+    const int last = int(array.size()) - 1;
+    for (int i = 0; i <= last; ++i) put(i, mixture);
+    for (int singles = last < 0 ? 0 : pick(random, 0, 4); singles > 0; --singles) {
+        const int grain = 1 << pick(random, 2, 16);
+        const int boundary = grain * pick(random, 0, last / grain) + pick(random, -1, 1);
+        const int place = coin(random) ? boundary : coin(random) ? 0 : last - pick(random, 0, 3);
+        put(std::clamp(place, 0, last), "nnhlij+-c");
+    }
+}
+
 Shape random_shape(Random &random) {
     Shape shape(std::size_t(pick(random, 1, 7)));
     const int most = shape.size() > 4 ? 3 : 6;
@@ -81,9 +104,9 @@ Shape random_shape(Random &random) {
     if (shape.size() > 3 || coin(random)) return shape;
     auto &longest = shape[std::size_t(pick(random, 0, int(shape.size()) - 1))];
     longest = pick(random, 0, 300);
-    if (pick(random, 0, 19) == 0) {
-        for (auto &extent : shape) extent = pick(random, 1, 2);
-        longest = pick(random, 1000, 9000);
+    if (pick(random, 0, 7) == 0) {
+        for (auto &extent : shape) extent = pick(random, 1, 3);
+        longest = pick(random, 1000, 6000);
     }
     return shape;
 }

@@ -80,6 +80,7 @@ template <class T> void write_sort(Random &random, std::byte *at, char sort, int
     for (int b = 0; b < random_bytes; ++b) at[b] = std::byte(pick(random, 1, 255));
     if (random_bytes == 1 && coin(random)) at[used_bytes<T> - 1] ^= std::byte{0x80};
 }
+using WriteSort = void(Random &random, std::byte *at, char sort, int i);
 
 // ---- Arrays -----------------------------------------------------------------
 
@@ -101,6 +102,10 @@ struct Array {
 // element but for `guard` bytes on either side.
 Array make_array(Random &random, const Shape &shape, int elsize, bool spaced, int unit = 0,
                  int guard = 0);
+
+// Much of one sort of values and less of others, and single values at the ends and about
+// the boundaries of vectors and regions.
+void fill(Random &random, Array &array, WriteSort *write_sort);
 
 // Ranks 1 to 7, small extents, some of them 0; or one dimension of hundreds or, now
 // and then, thousands of elements.

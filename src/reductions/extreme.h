@@ -74,6 +74,12 @@ template <> inline bool Minimum<Real16>::replaces(const Real16 &element, const R
 template <class Order>
 constexpr bool profits_from_avx512 = std::is_same_v<typename Order::Element, std::int64_t>;
 
+// Whether an element, or which lanes, are unordered: they differ from themselves.
+template <class T> auto is_unordered(const T &elements) {
+    const T &themselves = elements;
+    return elements != themselves;
+}
+
 // The best element so far, and its number in the search, from 0.
 template <class Element> struct Best {
     Element value;
@@ -133,9 +139,9 @@ template <class Order> struct RegionFold : OrderedLanes<Order> {
 
     static Accumulator step(const Accumulator &region, const Element &element) {
         return {Order::beats(element, region.value) ? element : region.value,
-                region.has_unordered || (watches && element != element)};
+                region.has_unordered || (watches && is_unordered(element))};
     }
-    template <class V> static auto watch(const V &elements) { return elements != elements; }
+    template <class V> static auto watch(const V &elements) { return is_unordered(elements); }
     static void note(Accumulator &region, bool unordered) { region.has_unordered |= unordered; }
     template <int Width>
     static void absorb(Accumulator &region, const Lanes<Element, Width> &lanes) {
@@ -167,7 +173,7 @@ enum class Bearing { None, Better, OnlyInOrder };
 // Sets best.value alone, to a value of the region, where that is better.
 template <class Order, int Width>
 Bearing take_region(Best<typename Order::Element> &best, ConstBytes array, std::int32_t count) {
-    if (best.value != best.value)
+    if (is_unordered(best.value))
         return Order::unordered_replaces ? Bearing::OnlyInOrder : Bearing::None;
     Region<typename Order::Element> region = {Order::neutral(), false};
     DenseFold<RegionFold<Order>, 1>::template run<Width>(region, array, count);

@@ -146,7 +146,7 @@ inline void store_positions(const LocationCall &call, std::int32_t place) {
     std::int32_t weights[f90_MaxRank];
     std::int32_t elements = 1;
     for (int i = 0; i < call.rank; ++i) {
-        weights[i] = call.dense_operands() ? call.array.Dim[i].Stride : elements;
+        weights[i] = std::max(call.dense_operands() ? call.array.Dim[i].Stride : elements, 1);
         elements *= extent(call.array.Dim[i]);
     }
     for (int i = call.rank - 1; i >= 0; --i) {
