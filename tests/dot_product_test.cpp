@@ -142,10 +142,10 @@ TYPED_TEST(DotProduct, ComparesExtents) {
     EXPECT_TRUE(folds_to<TypeParam>(shaped({-1}, 4), shaped({-1}, 4), {}, 1));
     const auto misuse = [] { folds_to<TypeParam>(shaped({2, 3}, 4), shaped({7}, 4), {}, 1); };
     EXPECT_EQ(fatal_message(misuse),
-              "ERROR calling the intrinsic subprogram DOT_PRODUCT:\n"
-              " Array arguments VECTOR_A and VECTOR_B should have the same shape.\n"
-              " The shape of argument VECTOR_A is: (2, 3).\n"
-              " The shape of argument VECTOR_B is: (7).\n");
+              report("DOT_PRODUCT",
+                     " Array arguments VECTOR_A and VECTOR_B should have the same shape.\n"
+                     " The shape of argument VECTOR_A is: (2, 3).\n"
+                     " The shape of argument VECTOR_B is: (7).\n"));
 }
 
 template <class T, class Elements = std::vector<typename T::Element>>

@@ -28,9 +28,8 @@ namespace {
 using namespace test;
 
 TEST(Host, SuppliesTheStorage) {
-    float numbers[6] = {1, 2, 3, 4, 5, 6};
-    f90_ArrDesc array = shaped({2, 3}, 4);
-    array.BASE = numbers;
+    std::vector<float> numbers = {1, 2, 3, 4, 5, 6};
+    f90_ArrDesc array = over(numbers, {2, 3});
     f90_ArrDesc result = {};
     Call().array(1, array).value(2, 1).created_result(result)(f90_sumr4);
     EXPECT_EQ(spaces_taken, 1);
@@ -68,11 +67,7 @@ template <class T> struct Ones {
 
     Ones(int rows, int columns, int dim)
         : numbers(std::size_t(rows * columns), T(1)), sums(std::size_t(dim == 1 ? columns : rows)),
-          array(shaped({rows, columns}, sizeof(T))),
-          result(shaped({std::int32_t(sums.size())}, sizeof(T))) {
-        array.BASE = numbers.data();
-        result.BASE = sums.data();
-    }
+          array(over(numbers, {rows, columns})), result(over(sums, {std::int32_t(sums.size())})) {}
     Call call(int dim) { return Call().checked().array(1, array).value(2, dim).result(result); }
 };
 

@@ -121,12 +121,7 @@ template <class T, class Operation> void try_random_call(Random &random, Operati
 
 template <class T> class NumericReduction : public testing::Test {};
 using Types = testing::Types<I1, I2, I4, I8, R4, R8, R10, R16, C8, C16, C20, C32>;
-struct TypeNames {
-    template <class> static std::string GetName(int i) {
-        return std::string("i1 i2 i4 i8 r4 r8 r10r16c8 c16c20c32").substr(3 * std::size_t(i), 3);
-    }
-};
-TYPED_TEST_SUITE(NumericReduction, Types, TypeNames);
+TYPED_TEST_SUITE(NumericReduction, Types);
 
 TYPED_TEST(NumericReduction, AgreesWithNaiveFolds) {
     Random random(random_seed());
@@ -138,11 +133,10 @@ TYPED_TEST(NumericReduction, AgreesWithNaiveFolds) {
 
 // ---- Literal cases ----------------------------------------------------------
 
-template <class T, std::size_t n>
-T folded(f90_Intrinsic *intrinsic, T (&elements)[n], std::int32_t stride = 1,
-         std::uint8_t noncontig = 0) {
-    f90_ArrDesc array = shaped({std::int32_t(n) / stride}, sizeof(T));
-    array.BASE = elements;
+template <class T>
+T folded(f90_Intrinsic *intrinsic, std::vector<T> elements, int stride = 1,
+         bool noncontig = false) {
+    f90_ArrDesc array = over(elements, {std::int32_t(elements.size()) / stride});
     array.Dim[0].Stride = stride;
     array.NONCONTIG = noncontig;
     T value{};
@@ -151,24 +145,13 @@ T folded(f90_Intrinsic *intrinsic, T (&elements)[n], std::int32_t stride = 1,
     return value;
 }
 
-TEST(NumericReductionValues, IntegersWrapAtTheirWidth) {
-    std::uint8_t bytes[] = {0xC8, 0x64};
-    EXPECT_EQ(folded(f90_sumi1, bytes), 0x2C);
-    std::uint16_t words[] = {0xFFFF, 0xFFFF, 0xFFFF};
-    EXPECT_EQ(folded(f90_prodi2, words), 0xFFFF);
-}
-
-TEST(NumericReductionValues, Kind4AccumulatesInDouble) {
-    float summands[] = {1e8F, 1.0F, -1e8F};
-    EXPECT_EQ(folded(f90_sumr4, summands), 1.0F);
-    float factors[] = {1e30F, 1e30F, 1e-30F};
-    EXPECT_EQ(folded(f90_prodr4, factors), 1e30F);
-}
-
-TEST(NumericReductionValues, OnlyNoncontigBringsStrideIntoPlay) {
-    std::int32_t numbers[] = {1, 10, 100, 1000};
-    EXPECT_EQ(folded(f90_sumi4, numbers, 2, 0), 11);
-    EXPECT_EQ(folded(f90_sumi4, numbers, 2, 1), 101);
+TEST(NumericReductionValues, Literal) {
+    EXPECT_EQ(folded<std::uint8_t>(f90_sumi1, {0xC8, 0x64}), 0x2C) << "wraps at its width";
+    EXPECT_EQ(folded<float>(f90_sumr4, {1e8F, 1.0F, -1e8F}), 1.0F) << "accumulates in double";
+    EXPECT_EQ(folded<float>(f90_prodr4, {1e30F, 1e30F, 1e-30F}), 1e30F);
+    const std::vector<std::int32_t> numbers = {1, 10, 100, 1000};
+    EXPECT_EQ(folded(f90_sumi4, numbers, 2, false), 11) << "only NONCONTIG brings Stride into play";
+    EXPECT_EQ(folded(f90_sumi4, numbers, 2, true), 101);
 }
 
 // ---- Checks -----------------------------------------------------------------

@@ -261,18 +261,13 @@ std::string wrong_dim(int dim, int rank) {
 }
 
 std::string wrong_mask(const std::string &array, const std::string &mask) {
-    return " Array arguments ARRAY and MASK should have the same shape.\n"
-           " The shape of argument ARRAY is: (" +
-           array +
-           ").\n"
-           " The shape of argument MASK is:  (" +
-           mask + ").\n";
+    const std::string argument = " The shape of argument ";
+    return " Array arguments ARRAY and MASK should have the same shape.\n" + argument +
+           "ARRAY is: (" + array + ").\n" + argument + "MASK is:  (" + mask + ").\n";
 }
 
 std::string wrong_result(const std::string &result, const std::string &expected) {
-    return " The RESULT array has shape:    (" + result +
-           ").\n"
-           " The shape of RESULT should be: (" +
+    return " The RESULT array has shape:    (" + result + ").\n The shape of RESULT should be: (" +
            expected + ").\n";
 }
 

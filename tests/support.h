@@ -68,13 +68,9 @@ template <class T> void write_sort(Random &random, std::byte *at, char sort, int
     const T high = is_real<T> ? as_t(Double::infinity()) : greatest<T>;
     const T low = is_real<T> ? as_t(-high) : least<T>;
     const T nan = is_real<T> && coin(random) ? as_t(Double::quiet_NaN()) : high;
-    const T one = 1;
     const T zero = 0;
-    const T negative_zero = as_t(-zero);
-    const T up = as_t(i);
-    const T down = as_t(-i);
-    const T values[] = {any,  few,           one,         up,       down, few, zero,
-                        zero, negative_zero, greatest<T>, least<T>, high, low, nan};
+    const T values[] = {any,  few,         as_t(1),     as_t(i),  as_t(-i), few, zero,
+                        zero, as_t(-zero), greatest<T>, least<T>, high,     low, nan};
     write(at, values[std::string("of=<>cs+-hlijn").find(sort)]);
     const int random_bytes = sort == 'c' ? used_bytes<T> / 2 : sort == 'n' || sort == 's';
     for (int b = 0; b < random_bytes; ++b) at[b] = std::byte(pick(random, 1, 255));
