@@ -3,10 +3,10 @@
 // becomes part of the function that carries the set's target attribute, so no
 // code beyond the baseline stands anywhere else.
 //
-// AVX-512 serves kernels that ask for it, of integers alone: it has multiply-add of
-// its own, into which GCC fuses the products of complex numbers even where
-// contraction is off. Its vectors have 32 bytes here too: folds are bound by loads,
-// which 64-byte ones do not speed up.
+// AVX-512 serves kernels that ask for it, of integers and logicals alone: it has
+// multiply-add of its own, into which GCC fuses the products of complex numbers even
+// where contraction is off. Its vectors have 32 bytes here too: folds are bound by
+// loads, which 64-byte ones do not speed up.
 #pragma once
 
 #ifdef QUILLFN_SELECT_ISA
@@ -18,19 +18,19 @@ namespace quill {
 
 // Builds for tests let the environment name the widest set to use, sse2 or avx2;
 // the shipped library does not look there.
-inline bool is_excluded(const char *widest_allowed) {
+inline bool is_widest([[maybe_unused]] const char *set) {
 #ifdef QUILLFN_SELECT_ISA
-    const char *wanted = std::getenv("QUILLFN_ISA");
-    return wanted != nullptr && std::strcmp(wanted, widest_allowed) == 0;
+    const char *named = std::getenv("QUILLFN_ISA");
+    return named != nullptr && std::strcmp(named, set) == 0;
 #else
-    return static_cast<void>(widest_allowed), false;
+    return false;
 #endif
 }
 
-inline bool has_avx2() { return !is_excluded("sse2") && __builtin_cpu_supports("avx2"); }
+inline bool has_avx2() { return !is_widest("sse2") && __builtin_cpu_supports("avx2"); }
 
 inline bool has_avx512() {
-    return has_avx2() && !is_excluded("avx2") && __builtin_cpu_supports("avx512bw") &&
+    return has_avx2() && !is_widest("avx2") && __builtin_cpu_supports("avx512bw") &&
            __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl");
 }
 
