@@ -40,16 +40,17 @@ template <class T> constexpr bool is_vectorisable = !std::is_same_v<T, Real10>;
 template <> inline constexpr bool is_vectorisable<Real16> = false;
 template <class Part> constexpr bool is_vectorisable<Complex<Part>> = is_vectorisable<Part>;
 
-// A value in another width of its type.
+// A value in another width of its type. This, as a load, is always part of its caller:
+// returned through the x87, a signalling NaN would come out quiet.
 template <class To, class From> struct Conversion {
-    static To of(const From &from) { return static_cast<To>(from); }
+    [[gnu::always_inline]] static To of(const From &from) { return static_cast<To>(from); }
 };
 template <class To, class From> struct Conversion<Complex<To>, Complex<From>> {
     static Complex<To> of(const Complex<From> &from) {
         return {static_cast<To>(from.re), static_cast<To>(from.im)};
     }
 };
-template <class To, class From> To converted(const From &from) {
+template <class To, class From> [[gnu::always_inline]] inline To converted(const From &from) {
     return Conversion<To, From>::of(from);
 }
 
@@ -63,7 +64,9 @@ template <> inline Real16 number<Real16>(int small) {
 // are moved: the other 2 are nobody's.
 template <class T> struct Storage {
     typedef T __attribute__((may_alias, aligned(alignof(T) < 4 ? alignof(T) : 4))) Stored;
-    static T load(ConstBytes at) { return *reinterpret_cast<const Stored *>(at); }
+    [[gnu::always_inline]] static T load(ConstBytes at) {
+        return *reinterpret_cast<const Stored *>(at);
+    }
     static void store(Bytes at, const T &element) { *reinterpret_cast<Stored *>(at) = element; }
 };
 
@@ -82,7 +85,9 @@ template <class Part> struct Storage<Complex<Part>> {
     }
 };
 
-template <class T> T load(ConstBytes at) { return Storage<T>::load(at); }
+template <class T> [[gnu::always_inline]] inline T load(ConstBytes at) {
+    return Storage<T>::load(at);
+}
 template <class T> void store(Bytes at, const T &element) { Storage<T>::store(at, element); }
 
 } // namespace quill

@@ -23,7 +23,8 @@ template <class Order> struct ExtremumFold {
     static constexpr bool takes_mask = true;
 
     static Element start() { return Order::start(); }
-    static Element step(const Element &best, const Element &element) {
+    // Always part of its caller, as a load is.
+    [[gnu::always_inline]] static Element step(const Element &best, const Element &element) {
         return Order::replaces(element, best) ? element : best;
     }
 };
