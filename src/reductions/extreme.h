@@ -167,17 +167,24 @@ std::int32_t first_equal(ConstBytes array, const Element &wanted, std::int32_t c
     return i;
 }
 
+// Number of the last of the elements, one of which is, that is unordered.
+template <class Element> std::int32_t last_unordered(ConstBytes array, std::int32_t count) {
+    do --count;
+    while (!is_unordered(load<Element>(array + count * static_cast<int>(sizeof(Element)))));
+    return count;
+}
+
 // How a region bears on the best so far.
-enum class Bearing { None, Better, OnlyInOrder };
+enum class Bearing { None, Better, Unordered };
 
 // Sets best.value alone, to a value of the region, where that is better.
 template <class Order, int Width>
 Bearing take_region(Best<typename Order::Element> &best, ConstBytes array, std::int32_t count) {
     if (is_unordered(best.value))
-        return Order::unordered_replaces ? Bearing::OnlyInOrder : Bearing::None;
+        return Order::unordered_replaces ? Bearing::Unordered : Bearing::None;
     Region<typename Order::Element> region = {Order::neutral(), false};
     DenseFold<RegionFold<Order>, 1>::template run<Width>(region, array, count);
-    if (region.has_unordered) return Bearing::OnlyInOrder;
+    if (region.has_unordered) return Bearing::Unordered;
     if (!Order::beats(region.value, best.value)) return Bearing::None;
     best.value = region.value;
     return Bearing::Better;
@@ -194,7 +201,9 @@ void place_in_region(Best<typename Order::Element> &best, ConstBytes array, std:
     best = {load<Element>(array + i * static_cast<int>(sizeof(Element))), number + i};
 }
 
-// Adjacent elements, the first of which has `number`.
+// Adjacent elements, the first of which has `number`. Where an unordered element
+// replaces, nothing before the last of them counts, and the element behind it is the
+// next best.
 template <class Order, bool wants_place> struct DenseSearch {
     using Element = typename Order::Element;
     static constexpr bool uses_avx512 = profits_from_avx512<Order>;
@@ -206,11 +215,16 @@ template <class Order, bool wants_place> struct DenseSearch {
         constexpr std::int32_t region = 16384 / size; // stays in the first cache
         for (std::int32_t here; count > 0; count -= here, number += here) {
             here = std::min(count, region);
+            if (Order::unordered_replaces && is_unordered(best.value))
+                best = {load<Element>(array), number};
             const Bearing bearing = take_region<Order, Width>(best, array, here);
-            if (bearing == Bearing::Better)
+            if (bearing == Bearing::Better) {
                 place_in_region<Order, wants_place, Width>(best, array, here, number);
-            else if (bearing == Bearing::OnlyInOrder)
-                search_spaced<Order>(best, array, size, here, number);
+            } else if (bearing == Bearing::Unordered) {
+                const std::int32_t last = last_unordered<Element>(array, here);
+                best = {load<Element>(array + last * size), number + last};
+                here = last + 1;
+            }
             array += here * size;
         }
     }
@@ -238,7 +252,7 @@ template <class Order, bool wants_place> struct MaskedSearch {
             const Bearing bearing = take_region<Order, Width>(best, elements, here);
             if (bearing == Bearing::Better)
                 place_in_region<Order, wants_place, Width>(best, elements, here, number);
-            else if (bearing == Bearing::OnlyInOrder)
+            else if (bearing == Bearing::Unordered)
                 search_masked_spaced<Order>(best, array, mask, {{size, word}}, here, number);
             array += here * size;
             mask += here * word;
