@@ -184,8 +184,21 @@ extern QUILLFN_EXPORT f90_Intrinsic f90_dotprl1, f90_dotprl2, f90_dotprl4, f90_d
 extern QUILLFN_EXPORT f90_Intrinsic f90_dotprr4, f90_dotprr8, f90_dotprr10, f90_dotprr16;
 extern QUILLFN_EXPORT f90_Intrinsic f90_dotprc8, f90_dotprc16, f90_dotprc20, f90_dotprc32;
 
+/* ---- MATMUL --------------------------------------------------------------- */
+
+/* MATMUL(MATRIX_A, MATRIX_B): Arg1 MATRIX_A, Arg2 MATRIX_B, both of the entry's type:
+ * integer, logical, real, complex, and bytes of a value. One of them may be a vector. Stride
+ * counts elements. The result must not share storage with an operand. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_matmuli1, f90_matmuli2, f90_matmuli4, f90_matmuli8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_matmull1, f90_matmull2, f90_matmull4, f90_matmull8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_matmulr4, f90_matmulr8, f90_matmulr10, f90_matmulr16;
+extern QUILLFN_EXPORT f90_Intrinsic f90_matmulc8, f90_matmulc16, f90_matmulc20, f90_matmulc32;
+
 #ifdef __cplusplus
 }
 #endif
+
+/* Their engines and kernels. */
+#include "quillfn/matmul.h"
 
 #endif

@@ -3,10 +3,11 @@
 // becomes part of the function that carries the set's target attribute, so no
 // code beyond the baseline stands anywhere else.
 //
-// AVX-512 serves kernels that ask for it, of integers and logicals alone: it has
-// multiply-add of its own, into which GCC fuses the products of complex numbers even
-// where contraction is off. Its vectors have 32 bytes here too: folds are bound by
-// loads, which 64-byte ones do not speed up.
+// AVX-512 serves kernels that ask for it. Folds that do are of integers and logicals: it
+// has multiply-add of its own, into which GCC fuses the loops of complex products even
+// where contraction is off. Their vectors have 32 bytes here too, since folds are bound
+// by loads, which 64-byte ones do not speed up. Kernels that name their width themselves
+// are bound by arithmetic and written in vectors, which stay as they are written.
 #pragma once
 
 #ifdef QUILLFN_SELECT_ISA
@@ -56,6 +57,27 @@ template <class Kernel, class... Arguments> void run_vectorised(Arguments &&...a
     if constexpr (requires { requires Kernel::uses_avx512; })
         if (has_avx512()) return run_avx512<Kernel>(arguments...);
     if (has_avx2())
+        run_avx2<Kernel>(arguments...);
+    else
+        run_sse2<Kernel>(arguments...);
+}
+
+// ---- By width -------------------------------------------------------------------
+
+// The bytes of the widest vectors that the processor has.
+inline int widest_vectors() { return has_avx512() ? 64 : has_avx2() ? 32 : 16; }
+
+template <class Kernel, class... Arguments>
+[[gnu::target("avx512bw,avx512dq,avx512vl,prefer-vector-width=512"), gnu::flatten]] void
+run_avx512_wide(Arguments &&...arguments) {
+    Kernel::template run<64>(arguments...);
+}
+
+// Kernel::run<width>(arguments...), width being at most that of the widest vectors.
+template <class Kernel, class... Arguments> void run_at_width(int width, Arguments &&...arguments) {
+    if (width == 64)
+        run_avx512_wide<Kernel>(arguments...);
+    else if (width == 32)
         run_avx2<Kernel>(arguments...);
     else
         run_sse2<Kernel>(arguments...);

@@ -1,0 +1,247 @@
+// The kernel of the types that fit vectors: a tile is one vector of rows by up to six
+// columns (two of complex numbers), for which A lies in tile order and B is broadcast,
+// element by element, along k. Lanes are elements of C, so each sum keeps its order and
+// every width of vector gives the same bits. Only eight registers exist: the sums are
+// named, since an array of them would live in memory.
+#pragma once
+
+#include "frame/isa.h"
+#include "frame/lanes.h"
+#include "matmul/operands.h"
+
+#include <algorithm>
+
+namespace quill {
+
+// ---- Tile order -------------------------------------------------------------
+
+// What a lane holds: an element or a part of one. Bytes are multiplied in lanes of 16
+// bits, whose low halves come out right, whatever the high ones hold.
+template <class T> struct LaneOf { using type = T; };
+template <> struct LaneOf<Int1> { using type = Int2; };
+template <class Part> struct LaneOf<Complex<Part>> { using type = Part; };
+template <class T> using Lane = typename LaneOf<T>::type;
+
+// Vectors per k: the real parts of complex numbers, then their imaginary parts.
+template <class T> constexpr int planes = is_complex<T> ? 2 : 1;
+
+template <class T> constexpr int rows_of_tile(int width) {
+    return width / static_cast<int>(sizeof(Lane<T>));
+}
+template <class T> constexpr std::ptrdiff_t tile_bytes(int width, int kc) {
+    return static_cast<std::ptrdiff_t>(kc) * planes<T> * width;
+}
+
+// The width of vectors for so many rows: the narrowest that holds them all, or the widest.
+template <class T> int tile_width(int rows) {
+    int width = widest_vectors();
+    while (width > 16 && rows_of_tile<T>(width / 2) >= rows) width /= 2;
+    return width;
+}
+
+// Rows of A in tile order: tile after tile, in it k after k a vector of rows, or one for
+// each part. Lanes behind the last row repeat it: what is computed there is not stored, but
+// must raise no floating-point exception of its own.
+template <class T> struct TilePacker {
+    template <int Width> static void run(Bytes to, const Halves &a, int rows, int kc) {
+        constexpr int tile_rows = rows_of_tile<T>(Width);
+        const bool dense = a.second == bytes<T>(1) && a.first.step1 == bytes<T>(2);
+        for (int i = 0; i < rows; i += tile_rows, to += tile_bytes<T>(Width, kc)) {
+            const int here = std::min(tile_rows, rows - i);
+            const Matrix first = a.first.from(i / 2, 0);
+            if (dense && here == tile_rows && std::is_same_v<T, Lane<T>>)
+                copy_vectors<Width>(to, first, kc);
+            else
+                pack<Width>(to, {first, a.second}, here, kc);
+        }
+    }
+
+    template <int Width> static void copy_vectors(Bytes to, Matrix a, int kc) {
+        for (; kc > 0; --kc, a.at += a.step2, to += Width) std::memcpy(to, a.at, Width);
+    }
+
+    // Some k of every row at a time, so that what is written stays in the nearest cache.
+    template <int Width> static void pack(Bytes to, const Halves &a, int rows, int kc) {
+        constexpr int piece = 32;
+        for (int k0 = 0; k0 < kc; k0 += piece)
+            for (int lane = 0; lane < rows_of_tile<T>(Width); ++lane) {
+                const int row = std::min(lane, rows - 1);
+                const Matrix from = a.first.from(row / 2, 0);
+                const std::ptrdiff_t half = row % 2 != 0 ? a.second : 0;
+                for (int k = k0; k < std::min(k0 + piece, kc); ++k)
+                    put<Width>(to + tile_bytes<T>(Width, k) + bytes<Lane<T>>(lane),
+                               load<T>(from.element(0, k) + half));
+            }
+    }
+
+    template <int Width> static void put(Bytes to, const T &element) {
+        if constexpr (is_complex<T>) {
+            store(to, element.re);
+            store(to + Width, element.im);
+        } else {
+            store(to, static_cast<Lane<T>>(element));
+        }
+    }
+};
+
+// ---- Sums -------------------------------------------------------------------
+
+// C = A x B, or that added to C: A in tiles, `a_step` bytes from k to k and `a_tile` from
+// tile to tile; B dense along k.
+struct TileProduct {
+    bool add;
+    int rows;
+    int columns;
+    int kc;
+    ConstBytes a;
+    std::ptrdiff_t a_step;
+    std::ptrdiff_t a_tile;
+    Matrix b;
+    Matrix c;
+};
+
+template <class T, class Form> struct TileKernel {
+    static constexpr int columns_at_once = is_complex<T> ? 2 : 6;
+
+    template <int Width> static void run(const TileProduct &p) {
+        constexpr int tile_rows = rows_of_tile<T>(Width);
+        ConstBytes a = p.a;
+        for (int i = 0; i < p.rows; i += tile_rows, a += p.a_tile)
+            across<Width, columns_at_once>(p, a, i, 0);
+    }
+
+    // A tile's rows by all columns from j on, N at a time, and the rest by fewer.
+    template <int Width, int N>
+    static void across(const TileProduct &p, ConstBytes a, int i, int j) {
+        for (; p.columns - j >= N; j += N) {
+            Lanes<Lane<T>, Width> sums[N * planes<T>];
+            sum<Width, N>(p.kc, a, p.a_step, p.b.element(0, j), p.b.step2, sums);
+            deliver_tile<Width, N>(p, sums, i, j);
+        }
+        if constexpr (N > 1) across<Width, N - 1>(p, a, i, j);
+    }
+
+    template <int Width, int N, class V>
+    static void sum(int kc, ConstBytes a, std::ptrdiff_t a_step, ConstBytes b,
+                    std::ptrdiff_t column, V *sums) {
+        if constexpr (is_complex<T>)
+            sum_complex<Width, N>(kc, a, a_step, b, column, sums);
+        else
+            sum_plain<Width, N>(kc, a, a_step, b, column, sums);
+    }
+
+    template <int Width, int N, class V>
+    static void sum_plain(int kc, ConstBytes a, std::ptrdiff_t a_step, ConstBytes b,
+                          std::ptrdiff_t column, V *sums) {
+        V s0{}, s1{}, s2{}, s3{}, s4{}, s5{};
+        ConstBytes b3 = b + 3 * column;
+#pragma GCC unroll 4
+        for (int k = 0; k < kc; ++k) {
+            const V left = load_lanes<V>(a);
+            s0 += times<Width>(left, b);
+            if constexpr (N > 1) s1 += times<Width>(left, b + column);
+            if constexpr (N > 2) s2 += times<Width>(left, b + 2 * column);
+            if constexpr (N > 3) s3 += times<Width>(left, b3);
+            if constexpr (N > 4) s4 += times<Width>(left, b3 + column);
+            if constexpr (N > 5) s5 += times<Width>(left, b3 + 2 * column);
+            a += a_step;
+            b += sizeof(T);
+            b3 += sizeof(T);
+        }
+        const V *const all[] = {&s0, &s1, &s2, &s3, &s4, &s5};
+        for (int j = 0; j < N; ++j) sums[j] = *all[j];
+    }
+
+    template <int Width, class V> static V times(const V &left, ConstBytes right) {
+        if constexpr (std::is_same_v<T, Lane<T>>)
+            return left * load<T>(right);
+        else
+            return left * same_bits<V>(Lanes<T, Width>{} + load<T>(right));
+    }
+
+    template <int Width, int N, class V>
+    static void sum_complex(int kc, ConstBytes a, std::ptrdiff_t a_step, ConstBytes b,
+                            std::ptrdiff_t column, V *sums) {
+        Complex<V> s0{}, s1{};
+#pragma GCC unroll 2
+        for (int k = 0; k < kc; ++k) {
+            const Complex<V> left{load_lanes<V>(a), load_lanes<V>(a + Width)};
+            add(s0, left, b);
+            if constexpr (N > 1) add(s1, left, b + column);
+            a += a_step;
+            b += sizeof(T);
+        }
+        sums[0] = s0.re;
+        sums[1] = s0.im;
+        if constexpr (N > 1) {
+            sums[2] = s1.re;
+            sums[3] = s1.im;
+        }
+    }
+
+    template <class V> static void add(Complex<V> &sum, const Complex<V> &left, ConstBytes right) {
+        const auto re = load<Lane<T>>(right);
+        const auto im = load<Lane<T>>(right + sizeof(Lane<T>));
+        if constexpr (std::is_same_v<Form, OneByOne>) {
+            sum.re += left.re * re;
+            sum.re -= left.im * im;
+            sum.im += left.re * im;
+            sum.im += left.im * re;
+        } else {
+            sum.re += left.re * re - left.im * im;
+            sum.im += left.re * im + left.im * re;
+        }
+    }
+
+    // ---- Delivery ------------------------------------------------------------
+
+    template <int Width, int N, class V>
+    static void deliver_tile(const TileProduct &p, const V *sums, int i, int j) {
+        constexpr int tile_rows = rows_of_tile<T>(Width);
+        const bool dense = p.rows - i >= tile_rows && p.c.step1 == bytes<T>(1);
+        for (int column = 0; column < N; ++column) {
+            const Bytes c = p.c.element(i, j + column);
+            const V *const parts = sums + column * planes<T>;
+            if (dense && std::is_same_v<T, Lane<T>>)
+                deliver_vector(p.add, *parts, c);
+            else if (dense)
+                deliver_lanes<Width>(p.add, parts, c, bytes<T>(1), tile_rows);
+            else
+                deliver_lanes<Width>(p.add, parts, c, p.c.step1, std::min(tile_rows, p.rows - i));
+        }
+    }
+
+    template <class V> static void deliver_vector(bool add, const V &sum, Bytes c) {
+        const V result = add ? sum + load_lanes<V>(c) : sum;
+        std::memcpy(c, &result, sizeof result);
+    }
+
+    template <int Width, class V>
+    static void deliver_lanes(bool add, const V *parts, Bytes c, std::ptrdiff_t step, int rows) {
+        Lane<T> lanes[planes<T>][rows_of_tile<T>(Width)];
+        std::memcpy(lanes, parts, sizeof lanes);
+        for (int r = 0; r < rows; ++r, c += step) {
+            if constexpr (is_complex<T>)
+                deliver(add, T{lanes[0][r], lanes[1][r]}, c);
+            else
+                deliver(add, static_cast<T>(lanes[0][r]), c);
+        }
+    }
+};
+
+// ---- Calls ------------------------------------------------------------------
+
+template <class T> void pack_tiles(int width, Bytes to, const Halves &a, int rows, int kc) {
+    run_at_width<TilePacker<T>>(width, to, a, rows, kc);
+}
+
+// The product of packed rows.
+template <class T, class Form>
+void multiply_tiles(int width, bool add, int rows, int columns, int kc, ConstBytes a,
+                    const Matrix &b, const Matrix &c) {
+    run_at_width<TileKernel<T, Form>>(width, TileProduct{add, rows, columns, kc, a,
+                                                         tile_bytes<T>(width, 1),
+                                                         tile_bytes<T>(width, kc), b, c});
+}
+
+} // namespace quill
