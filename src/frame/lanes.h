@@ -56,6 +56,15 @@ template <int distance, class V> V rotated(const V &lanes) {
     (std::make_integer_sequence<int, count>());
 }
 
+// Lanes of a and b by turns: of their lower halves, or of their upper ones.
+template <int upper, class V> V interleaved(const V &a, const V &b) {
+    constexpr int count = sizeof(V) / sizeof(a[0]);
+    return [&]<int... i>(std::integer_sequence<int, i...>) {
+        return __builtin_shufflevector(a, b, (upper * count + i) / 2 + i % 2 * count...);
+    }
+    (std::make_integer_sequence<int, count>());
+}
+
 // All lanes folded into one by combine: halves down to 16 bytes, then the vector
 // with itself rotated.
 template <class T, int Width, int distance = Width / 2 / sizeof(T), class Combine>

@@ -159,17 +159,24 @@ template <class T, class Form> struct TileKernel {
             return left * same_bits<V>(Lanes<T, Width>{} + load<T>(right));
     }
 
+    // Each part of B serves two products, as a memory operand of both: `again` is b, which
+    // the compiler is not to know, since it would keep the broadcast part in a register and
+    // sums in memory.
     template <int Width, int N, class V>
     static void sum_complex(int kc, ConstBytes a, std::ptrdiff_t a_step, ConstBytes b,
                             std::ptrdiff_t column, V *sums) {
-        Complex<V> s0{}, s1{};
+        Complex<V> s0{};
+        Complex<V> s1{};
+        ConstBytes again = b;
+        asm("" : "+r"(again));
 #pragma GCC unroll 2
         for (int k = 0; k < kc; ++k) {
             const Complex<V> left{load_lanes<V>(a), load_lanes<V>(a + Width)};
-            add(s0, left, b);
-            if constexpr (N > 1) add(s1, left, b + column);
+            add(s0, left, b, again);
+            if constexpr (N > 1) add(s1, left, b + column, again + column);
             a += a_step;
             b += sizeof(T);
+            again += sizeof(T);
         }
         sums[0] = s0.re;
         sums[1] = s0.im;
@@ -179,17 +186,18 @@ template <class T, class Form> struct TileKernel {
         }
     }
 
-    template <class V> static void add(Complex<V> &sum, const Complex<V> &left, ConstBytes right) {
-        const auto re = load<Lane<T>>(right);
-        const auto im = load<Lane<T>>(right + sizeof(Lane<T>));
+    template <class V>
+    static void add(Complex<V> &sum, const Complex<V> &left, ConstBytes right, ConstBytes again) {
+        using Part = Lane<T>;
+        constexpr int im = sizeof(Part);
         if constexpr (std::is_same_v<Form, OneByOne>) {
-            sum.re += left.re * re;
-            sum.re -= left.im * im;
-            sum.im += left.re * im;
-            sum.im += left.im * re;
+            sum.re += left.re * load<Part>(right);
+            sum.im += left.re * load<Part>(right + im);
+            sum.re -= left.im * load<Part>(again + im);
+            sum.im += left.im * load<Part>(again);
         } else {
-            sum.re += left.re * re - left.im * im;
-            sum.im += left.re * im + left.im * re;
+            sum.re += left.re * load<Part>(right) - left.im * load<Part>(again + im);
+            sum.im += left.re * load<Part>(right + im) + left.im * load<Part>(again);
         }
     }
 
@@ -202,12 +210,16 @@ template <class T, class Form> struct TileKernel {
         for (int column = 0; column < N; ++column) {
             const Bytes c = p.c.element(i, j + column);
             const V *const parts = sums + column * planes<T>;
-            if (dense && std::is_same_v<T, Lane<T>>)
-                deliver_vector(p.add, *parts, c);
-            else if (dense)
-                deliver_lanes<Width>(p.add, parts, c, bytes<T>(1), tile_rows);
-            else
+            if (!dense) {
                 deliver_lanes<Width>(p.add, parts, c, p.c.step1, std::min(tile_rows, p.rows - i));
+            } else if constexpr (is_complex<T>) {
+                deliver_vector(p.add, interleaved<0>(parts[0], parts[1]), c);
+                deliver_vector(p.add, interleaved<1>(parts[0], parts[1]), c + Width);
+            } else if constexpr (std::is_same_v<T, Lane<T>>) {
+                deliver_vector(p.add, *parts, c);
+            } else {
+                deliver_lanes<Width>(p.add, parts, c, bytes<T>(1), tile_rows);
+            }
         }
     }
 

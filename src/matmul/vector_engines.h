@@ -4,6 +4,7 @@
 #pragma once
 
 #include "matmul/kernels.h"
+#include "matmul/lines.h"
 #include "matmul/packing.h"
 
 namespace quill {
@@ -37,7 +38,9 @@ template <> inline constexpr VectorChunks vector_chunks<Complex32> { 128, 2, Beg
 
 template <class T>
 void inner_1x2(bool add, int columns, int kc, const Matrix &v, const Matrix &b, const Matrix &c) {
-    kernel_1x2<T, OneByOne>(add, columns, kc, v, b, c);
+    const Matrix lines{b.at, b.step2, b.step1};
+    if (!multiply_lines<T>({add, columns, kc, lines, v.at, {c.at, c.step2, 0}}))
+        kernel_1x2<T, OneByOne>(add, columns, kc, v, b, c);
 }
 
 template <class T>
@@ -51,7 +54,7 @@ void inner_2x1(bool add, int rows, int kc, const Matrix &a, const Matrix &v, con
     constexpr int at_once = is_complex<T> ? 2 : 4;
     if constexpr (std::is_same_v<T, Real16>)
         inner_2x1_by_pairs(rows, kc, a, v, c);
-    else
+    else if (!multiply_lines<T>({add, rows, kc, a, v.at, c}))
         kernel_2x1<T, OneByOne, at_once>(add, rows, kc, a, v, c);
 }
 
@@ -69,9 +72,7 @@ template <class T> Bytes dense_piece(Bytes staging, Bytes v, std::ptrdiff_t step
 
 // ---- The engines ------------------------------------------------------------
 
-// v and c are rows.
-template <class T>
-void engine_1x2(int n, int k, const Matrix &v, const Matrix &b, const Matrix &c) {
+template <class T> void panel_1x2(int n, int k, const Matrix &v, const Matrix &b, const Matrix &c) {
     constexpr VectorChunks sizes = vector_chunks<T>;
     alignas(4) std::byte staging[sizes.chunk * sizeof(T)];
     const auto inner = [&](bool add, int k0, int kc) {
@@ -87,6 +88,15 @@ void engine_1x2(int n, int k, const Matrix &v, const Matrix &b, const Matrix &c)
         epilogue_1x2<T>(stepped > 0, n, tail - stepped, v.from(0, full + stepped),
                         b.from(full + stepped, 0), c);
     for (int k0 = 0; k0 < full; k0 += sizes.chunk) inner(true, k0, sizes.chunk);
+}
+
+// v and c are rows. B is read in panels of columns, down all of K, in as few streams as the
+// processor can follow.
+template <class T>
+void engine_1x2(int n, int k, const Matrix &v, const Matrix &b, const Matrix &c) {
+    constexpr int panel = 96;
+    for (int j = 0; j < n; j += panel)
+        panel_1x2<T>(std::min(panel, n - j), k, v, b.from(0, j), c.from(0, j));
 }
 
 // v and c are columns.
