@@ -52,8 +52,8 @@ contains
             '  LOGICAL      0', &
             '', &
             'Dot products of REAL(4) and REAL(8) the library sums in the 80-bit extended format and', &
-            'rounds once, so there REAL(8) too has one epsilon for each element. Extrema and their', &
-            'places are equal in all kinds.'
+            'rounds once, so there REAL(8) too has one epsilon for each element. Extrema, their', &
+            'places and matrix products, here of whole numbers, are equal in all kinds.'
     end subroutine
 
     subroutine open_section(title, explanation)
@@ -141,17 +141,28 @@ contains
             rule = kind_rule('REAL(10)', epsilon(values), 15, .false.)
         type is (real(16))
             rule = kind_rule('REAL(16)', epsilon(values), fraction_width, .false.)
+        type is (integer(1))
+            rule = kind_rule('INTEGER(1)', 0, 0, .false.)
+        type is (integer(2))
+            rule = kind_rule('INTEGER(2)', 0, 0, .false.)
         type is (integer(4))
             rule = kind_rule('INTEGER(4)', 0, 0, .false.)
         type is (integer(8))
             rule = kind_rule('INTEGER(8)', 0, 0, .false.)
+        type is (logical(1))
+            rule = kind_rule('LOGICAL(1)', 0, -1, .false.)
+        type is (logical(2))
+            rule = kind_rule('LOGICAL(2)', 0, -1, .false.)
         type is (logical(4))
             rule = kind_rule('LOGICAL(4)', 0, -1, .false.)
+        type is (logical(8))
+            rule = kind_rule('LOGICAL(8)', 0, -1, .false.)
         class default
             error stop 'compare: values of an unknown kind'
         end select
     end function
 
+    ! Of a logical the bits: true is what the compiler stores for it.
     function widened(values) result(wider)
         class(*), intent(in) :: values(:)
         real(wide) :: wider(size(values))
@@ -164,12 +175,22 @@ contains
             wider = values
         type is (real(16))
             wider = values
+        type is (integer(1))
+            wider = values
+        type is (integer(2))
+            wider = values
         type is (integer(4))
             wider = values
         type is (integer(8))
             wider = values
+        type is (logical(1))
+            wider = transfer(values, [0_1])
+        type is (logical(2))
+            wider = transfer(values, [0_2])
         type is (logical(4))
-            wider = merge(1, 0, values)
+            wider = transfer(values, [0_4])
+        type is (logical(8))
+            wider = transfer(values, [0_8])
         class default
             error stop 'compare: values of an unknown kind'
         end select
@@ -187,7 +208,7 @@ contains
         integer :: last
 
         if (rule%decimals < 0) then
-            text = merge('    true', '   false', value > 0)
+            text = merge('    true', '   false', abs(value) > 0)
         else if (rule%decimals == 0) then
             write (text, '(i8)') int(value)
         else

@@ -1,7 +1,9 @@
 ! Reduces Longley's table of economic series in every numeric kind (sums, products,
-! extrema and their places, dot products, counts and conditions), once with the
-! compiler's own intrinsics and once with the library, prints both and fails when
-! a pair differs by more than rounding allows. One procedure for each section.
+! extrema and their places, dot products, counts and conditions) and multiplies
+! matrices of every kind, once with the compiler's own intrinsics and once with the
+! library, prints both and fails when a pair differs by more than rounding allows.
+! Then it fits employment by the other series and fails when the widest kind does not
+! show every certified digit. One procedure for each section.
 program longley
     use, intrinsic :: iso_fortran_env, only: error_unit
     use comparison
@@ -13,6 +15,22 @@ program longley
     use library_real8
     use library_real10
     use library_real16
+    use matrix_products_integer1
+    use matrix_products_integer2
+    use matrix_products_integer4
+    use matrix_products_integer8
+    use matrix_products_logical1
+    use matrix_products_logical2
+    use matrix_products_logical4
+    use matrix_products_logical8
+    use matrix_products_real4
+    use matrix_products_real8
+    use matrix_products_real10
+    use matrix_products_real16
+    use regression
+    use regression_real8
+    use regression_real10
+    use regression_real16
     implicit none
 
     integer, parameter :: years = 16
@@ -35,7 +53,11 @@ program longley
     ! Which entries exceed the mean of their series.
     logical(4) :: above(years, series)
 
+    ! The coefficients of 1 and of the other series that NIST certifies for employment.
+    real(16) :: certified(series)
+
     call read_table
+    call read_certified
     call introduce
     call sums_of_series
     call products_of_growth
@@ -47,42 +69,69 @@ program longley
     call places_of_extrema
     call dot_products_of_series
     call dot_products_of_changes
+    call products_of_moves
+    call regression_of_employment
     call judge
 
 contains
 
-    ! ---- The table ----------------------------------------------------------
+    ! ---- The data -----------------------------------------------------------
 
     function table_path() result(path)
         character(:), allocatable :: path
+        path = argument(1, 'examples/data/longley.txt')
+    end function
+
+    ! Unless named, the file beside the table.
+    function certified_path() result(path)
+        character(:), allocatable :: path
+        path = table_path()
+        path = argument(2, path(:index(path, '/', back=.true.)) // 'longley_certified.txt')
+    end function
+
+    function argument(position, default) result(text)
+        integer, intent(in) :: position
+        character(*), intent(in) :: default
+        character(:), allocatable :: text
         integer :: length
-        call get_command_argument(1, length=length)
+        call get_command_argument(position, length=length)
         if (length == 0) then
-            path = 'examples/data/longley.txt'
+            text = default
         else
-            allocate (character(length) :: path)
-            call get_command_argument(1, path)
+            allocate (character(length) :: text)
+            call get_command_argument(position, text)
         end if
     end function
 
-    ! Lines that begin with # are comments.
-    subroutine read_table
+    ! The rows of a file of numbers. Lines that begin with # are comments.
+    subroutine read_rows(path, rows)
+        character(*), intent(in) :: path
+        real(16), intent(out) :: rows(:, :)
         character(256) :: line
         integer :: unit, status, row
 
-        open (newunit=unit, file=table_path(), status='old', action='read', iostat=status)
-        if (status /= 0) call give_up('cannot open ' // table_path())
+        open (newunit=unit, file=path, status='old', action='read', iostat=status)
+        if (status /= 0) call give_up('cannot open ' // path)
         row = 0
-        do while (row < years)
+        do while (row < size(rows, 1))
             read (unit, '(a)', iostat=status) line
-            if (status /= 0) call give_up('fewer than 16 rows in ' // table_path())
+            if (status /= 0) call give_up('too few rows in ' // path)
             if (line == '' .or. line(1:1) == '#') cycle
             row = row + 1
-            read (line, *, iostat=status) real16(row, :)
-            if (status /= 0) call give_up('a row without 7 numbers in ' // table_path())
+            read (line, *, iostat=status) rows(row, :)
+            if (status /= 0) call give_up('a row with too few numbers in ' // path)
         end do
         close (unit)
+    end subroutine
 
+    subroutine read_certified
+        real(16) :: rows(series, 1)
+        call read_rows(certified_path(), rows)
+        certified = rows(:, 1)
+    end subroutine
+
+    subroutine read_table
+        call read_rows(table_path(), real16)
         real4 = real(real16, 4)
         real8 = real(real16, 8)
         real10 = real(real16, 10)
@@ -99,7 +148,8 @@ contains
 
     subroutine introduce
         integer :: i
-        print '(a)', 'Reductions of Longley''s economic series, by the compiler and by libquillfn'
+        print '(a)', 'Reductions and matrix products of Longley''s economic series, by the compiler and', &
+            'by libquillfn'
         print '(/a,i0,a,i0,a,i0,a,i0,3a)', 'The table: ', years, ' years (', int4(1, series), ' to ', &
             int4(years, series), ') by ', series, ' series, from ', table_path(), '.'
         print '()'
@@ -386,6 +436,57 @@ contains
         call compare(['employment, unemployed  ', 'employment, armed forces'], years - 1, &
                      [(dot_product(falls(:, 1), falls(:, j)), j = 4, 5)], &
                      [(library_dot_product(falls(:, 1), falls(:, j)), j = 4, 5)])
+    end subroutine
+
+    ! Moves are small, so that every kind holds the sums of their products.
+    subroutine products_of_moves
+        integer, parameter :: terms = years - 1, early = 7
+        integer(4) :: changes(terms, series), moves(terms, series), periods(2, terms)
+        logical(4) :: leaps(terms, series), within(2, terms)
+
+        changes = int4(2:, :) - int4(:terms, :)
+        moves = nint(changes * real(terms) / spread(sum(abs(changes), dim=1), 1, terms))
+        moves = max(-2, min(2, moves))
+        periods = 0
+        periods(1, :early) = 1
+        periods(2, early + 1:) = 1
+        leaps = moves == 2
+        within = periods == 1
+
+        call open_section('Matrix products of moves', &
+            'A move is a change in units of the mean change, rounded, from -2 to 2; to logical kinds, a' // &
+            new_line('') // 'rise by 2. MATMUL(TRANSPOSE(moves), moves), of three series and two, and' // &
+            new_line('') // 'MATMUL(periods, moves), of early and late years, also with a vector in place of either.')
+        call compare_products(int(moves, 1), int(periods, 1))
+        call compare_products(int(moves, 2), int(periods, 2))
+        call compare_products(int(moves, 4), int(periods, 4))
+        call compare_products(int(moves, 8), int(periods, 8))
+        call compare_products(logical(leaps, 1), logical(within, 1))
+        call compare_products(logical(leaps, 2), logical(within, 2))
+        call compare_products(logical(leaps, 4), logical(within, 4))
+        call compare_products(logical(leaps, 8), logical(within, 8))
+        call compare_products(real(moves, 4), real(periods, 4))
+        call compare_products(real(moves, 8), real(periods, 8))
+        call compare_products(real(moves, 10), real(periods, 10))
+        call compare_products(real(moves, 16), real(periods, 16))
+    end subroutine
+
+    ! Every term of X'X and X'y is positive, so sums of 16 terms in any two orders are
+    ! less than 16 epsilons apart.
+    subroutine regression_of_employment
+        character(*), parameter :: title = 'Regression of employment'
+        type(fit) :: fits(3)
+
+        fits = [fitted(real8), fitted(real10), fitted(real16)]
+        print '(/a/a/3(a/))', title, repeat('-', len(title)), &
+            'Coefficients b of X''X b = X''y, where X is 1 and the other series, and how many of their', &
+            'digits are those of NIST''s. MATMUL gets the transpose of X as X with its strides exchanged.', &
+            'Last, how far X''X is from the compiler''s and X''y from MATMUL(y, X), at most, in epsilons.'
+        call report([character(12) :: 'constant', names(2:)], certified, fits)
+        if (.not. all(fits%from_compiler < years)) call give_up('the library''s X''X is not the compiler''s')
+        if (.not. all(fits%between_forms < years)) call give_up('the two forms of X''y differ')
+        if (any(right_digits(fits(3)%coefficients, certified) < certified_digits)) &
+            call give_up('REAL(16) does not show every certified digit')
     end subroutine
 
     ! The years of the table from row `first` on, as labels.

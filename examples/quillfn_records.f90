@@ -73,6 +73,10 @@ module quillfn_records
         f90_maxloci4, f90_maxlocr4, f90_maxlocr8, f90_maxlocr10, f90_maxlocr16, f90_kmaxlocr8, &
         f90_minloci4, f90_minlocr4, f90_minlocr8, f90_minlocr10, f90_minlocr16, &
         f90_dotpri4, f90_dotprr4, f90_dotprr8, f90_dotprr10, f90_dotprr16, f90_dotprc16, f90_dotprl4
+    procedure(f90_Intrinsic), bind(C) :: &
+        f90_matmuli1, f90_matmuli2, f90_matmuli4, f90_matmuli8, &
+        f90_matmull1, f90_matmull2, f90_matmull4, f90_matmull8, &
+        f90_matmulr4, f90_matmulr8, f90_matmulr10, f90_matmulr16
 
     interface
         subroutine f90_freespace(space) bind(C)
@@ -145,6 +149,15 @@ contains
         array%ZERO = transfer(first - bytes * sum(array%Dim(1:array%RANK)%Stride), c_null_ptr)
     end function
 
+    ! The transpose of a matrix, without a copy: its dimensions change places.
+    pure function transposed(matrix) result(array)
+        type(f90_ArrDesc), intent(in) :: matrix
+        type(f90_ArrDesc) :: array
+        array = matrix
+        array%Dim(1:2) = matrix%Dim(2:1:-1)
+        array%NONCONTIG = 1
+    end function
+
     function address_of(variable) result(address)
         type(*), intent(in), target :: variable
         integer(c_intptr_t) :: address
@@ -202,6 +215,23 @@ contains
             call c_f_pointer(c_loc(arguments%Result), slot, [answer%ELSIZE])
             value = slot
         end if
+    end subroutine
+
+    ! Calls MATMUL: Arg1 and Arg2 are the matrices, or one of them a vector. The result
+    ! goes where that of reduce goes.
+    subroutine multiply_matrices(entry, matrix_a, matrix_b, answer)
+        procedure(f90_Intrinsic) :: entry
+        type(f90_ArrDesc), intent(in), target :: matrix_a, matrix_b
+        type(f90_ArrDesc), intent(inout), target :: answer
+        type(f90_ArgList) :: arguments
+
+        arguments%Flags = check_shapes
+        arguments%Presence = ior(arg1_present, arg2_present)
+        arguments%Result%Word0 = word(answer)
+        if (c_associated(answer%BASE)) arguments%Presence = ior(arguments%Presence, result_given)
+        arguments%Arg1%Word0 = word(matrix_a)
+        arguments%Arg2%Word0 = word(matrix_b)
+        call entry(arguments)
     end subroutine
 
     ! The address of a descriptor, as a slot holds it.
