@@ -87,9 +87,9 @@ void compete(Table &table, const PairRow &row, const Shape &shape) {
     list.Result.Word0 = reinterpret_cast<std::uintptr_t>(storage.results[Ours]);
     list.Arg1 = slot(vector_a);
     list.Arg2 = slot(vector_b);
-    void *const results[contestants] = {size <= sizeof list.Result ? &list.Result
-                                                                   : storage.results[Ours],
-                                        storage.results[PeerO2], storage.results[PeerO3]};
+    void *const results[contestants] = {
+        size <= sizeof list.Result ? &list.Result : storage.results[Ours], storage.results[PeerO2],
+        storage.results[PeerO3], storage.results[OpenBlas]};
     spoil(results, size);
 
     const auto peer_call = [&](Peer *peer, Contestant contestant) {

@@ -51,6 +51,8 @@ constinit const Kind real10 = kind<long double>(1, rounding10);
 constinit const Kind real16 = kind<__float128>(1, rounding10);
 constinit const Kind complex8 = kind<float>(2, rounding4);
 constinit const Kind complex16 = kind<double>(2, rounding8);
+constinit const Kind complex20 = kind<long double>(2, rounding10);
+constinit const Kind complex32 = kind<__float128>(2, rounding10);
 
 // ---- Values -----------------------------------------------------------------
 
@@ -75,6 +77,8 @@ double value(Values values, std::int32_t index, std::uint32_t random, int part) 
         return random >> 31;
     case Values::OppositeCoins:
         return 1 - (random >> 31);
+    case Values::Sparse:
+        return random % 100 == 0;
     case Values::AllTrue:
         return 1;
     case Values::AllFalse:

@@ -21,17 +21,19 @@ struct Kind {
 // Logicals are integers of their size.
 extern const Kind int1, int2, int4, int8;
 extern const Kind real4, real8, real10, real16;
-extern const Kind complex8, complex16;
+extern const Kind complex8, complex16, complex20, complex32;
 
 enum class Values {
     Spread,        // over what integers of up to 4 bytes hold and 53 bits of wider types
     Ascending,     // by 1 each
     Integers,      // of 32 bits at most, either sign
     OddIntegers,   // the same whose product never becomes 0
-    Sixteenths,    // multiples of 1/16 from -1 to 1: their sum is exact in any order
+    Sixteenths,    // multiples of 1/16 from -1 to 1: their sum, and that of products of
+                   // two, is exact in any order
     NearOne,       // their product stays near 1
     Coins,         // true or false at random
     OppositeCoins, // drawn with the same seed: true where Coins are false
+    Sparse,        // one in 100 is true
     AllTrue,
     AllFalse
 };

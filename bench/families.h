@@ -8,5 +8,6 @@ namespace bench {
 void bench_reductions(Table &table);
 void bench_extrema(Table &table);
 void bench_dot_product(Table &table);
+void bench_matmul(Table &table);
 
 } // namespace bench

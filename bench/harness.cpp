@@ -1,10 +1,11 @@
-// Timing and the table. Samples of the three contestants are taken in turn, so
+// Timing and the table. Samples of the contestants are taken in turn, so
 // that a change of the machine's speed meets all of them; the median stands.
 #include "harness.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 
 namespace bench {
@@ -42,25 +43,29 @@ long calibrated(const Repeated &calls) {
     }
 }
 
+// The contestants from the first on that take part.
+int entered(const Contest &contest) { return contest.calls[OpenBlas] ? contestants : OpenBlas; }
+
 struct Timing {
     double seconds_per_call[contestants];
 };
 
 Timing measure(const Contest &contest) {
+    const int parties = entered(contest);
     long times[contestants];
     double samples[contestants][most_samples];
-    for (int c = 0; c < contestants; ++c) times[c] = calibrated(contest.calls[c]);
+    for (int c = 0; c < parties; ++c) times[c] = calibrated(contest.calls[c]);
 
     int count = most_samples;
     for (int s = 0; s < count; ++s) {
-        for (int c = 0; c < contestants; ++c) {
+        for (int c = 0; c < parties; ++c) {
             samples[c][s] = seconds(contest.calls[c], times[c]) / static_cast<double>(times[c]);
             if (samples[c][s] > long_call) count = samples_of_long_calls;
         }
     }
 
     Timing timing;
-    for (int c = 0; c < contestants; ++c) {
+    for (int c = 0; c < parties; ++c) {
         std::sort(samples[c], samples[c] + count);
         timing.seconds_per_call[c] = samples[c][count / 2];
     }
@@ -68,12 +73,14 @@ Timing measure(const Contest &contest) {
 }
 
 void check_answers(const Contest &contest) {
-    for (const Repeated &calls : contest.calls) calls(1);
-    for (const Contestant peer : {PeerO2, PeerO3}) {
-        if (contest.agrees(peer)) continue;
+    static constexpr const char *names[] = {"the library", "peer O2", "peer O3", "OpenBLAS"};
+    const int parties = entered(contest);
+    for (int c = 0; c < parties; ++c) contest.calls[c](1);
+    for (int c = PeerO2; c < parties; ++c) {
+        if (contest.agrees(static_cast<Contestant>(c))) continue;
         std::fflush(stdout);
-        std::fprintf(stderr, "%s: the library and peer %s give different answers\n",
-                     contest.name.c_str(), peer == PeerO2 ? "O2" : "O3");
+        std::fprintf(stderr, "%s %s: %s and %s give different answers\n", contest.name.c_str(),
+                     contest.size.c_str(), names[Ours], names[c]);
         std::exit(EXIT_FAILURE);
     }
 }
@@ -93,9 +100,13 @@ bool wanted(const Table &table, const std::string &name) {
     return name.find(table.filter) != std::string::npos;
 }
 
+void spoil(void *const (&results)[contestants], std::size_t bytes) {
+    for (int c = 0; c < contestants; ++c) std::memset(results[c], 0x11 * (c + 1), bytes);
+}
+
 void print_heading() {
-    std::printf("%-26s %9s %12s %12s %12s %7s\n", "", "size", "ours", "peer O2", "peer O3",
-                "ratio");
+    std::printf("%-26s %9s %12s %12s %12s %7s %12s %7s\n", "", "size", "ours", "peer O2", "peer O3",
+                "ratio", "OpenBLAS", "ratio");
 }
 
 void run(Table &table, const Contest &contest) {
@@ -106,8 +117,13 @@ void run(Table &table, const Contest &contest) {
     const double rival = o2_alone ? times[PeerO2] : std::min(times[PeerO2], times[PeerO3]);
     const double ratio = rival / times[Ours];
     std::printf("%-26s %9s", contest.name.c_str(), contest.size.c_str());
-    for (int c = 0; c < contestants; ++c) print_time(times[c]);
-    std::printf(" %7.2f%s\n", ratio, o2_alone ? " O2" : "");
+    for (const Contestant c : {Ours, PeerO2, PeerO3}) print_time(times[c]);
+    std::printf(" %7.2f%s", ratio, o2_alone ? " O2" : "");
+    if (contest.calls[OpenBlas]) {
+        print_time(times[OpenBlas]);
+        std::printf(" %7.2f", times[OpenBlas] / times[Ours]);
+    }
+    std::printf("\n");
     std::fflush(stdout);
     ++table.rows;
     if (ratio < 1) ++table.slower_rows;

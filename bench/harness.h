@@ -1,6 +1,6 @@
 // The benchmark's harness: a contest times one call of the library beside the
-// same work of two peers and becomes one row of the table. Descriptors for the
-// library's calls are made here too.
+// same work of two peers, and of OpenBLAS where it has it, and becomes one row of
+// the table. Descriptors for the library's calls are made here too.
 #pragma once
 
 #include "quillfn/quillfn.h"
@@ -25,7 +25,7 @@ template <class Call> Repeated repeated(Call call) {
     };
 }
 
-enum Contestant { Ours, PeerO2, PeerO3, contestants };
+enum Contestant { Ours, PeerO2, PeerO3, OpenBlas, contestants };
 
 // The peer whose time the ratio is about.
 enum class Rival { Better, O2 };
@@ -33,7 +33,7 @@ enum class Rival { Better, O2 };
 struct Contest {
     std::string name;
     std::string size;
-    Repeated calls[contestants];
+    Repeated calls[contestants]; // that of OpenBLAS may be empty
     // Whether the answer that a peer left behind is the library's.
     std::function<bool(Contestant peer)> agrees;
     Rival rival = Rival::Better;
@@ -47,6 +47,9 @@ struct Table {
 
 // Whether the row is to be run: to be asked before its data are made.
 bool wanted(const Table &table, const std::string &name);
+
+// What a contestant fails to write differs from the others' results.
+void spoil(void *const (&results)[contestants], std::size_t bytes);
 
 void print_heading();
 

@@ -1,7 +1,9 @@
 // quillfn_bench [FILTER]: the library beside gfortran's intrinsics, compiled with
-// -O2 and with -O3 -march=native -mfpmath=sse. Runs the rows whose name contains
-// FILTER. A time is that of one call whose argument record is already filled.
+// -O2 and with -O3 -march=native -mfpmath=sse, and matrix products beside OpenBLAS
+// where it is installed. Runs the rows whose name contains FILTER. A time is that of
+// one call whose argument record is already filled.
 #include "families.h"
+#include "openblas.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -27,11 +29,14 @@ int main(int argc, char **argv) {
     bench::Table table{argc == 2 ? argv[1] : ""};
     std::printf("Processor: %s\n", processor().c_str());
     std::printf("ratio: time of the better peer / our time; above 1 the library is faster\n");
-    std::printf("O2 behind it: of peer O2, because peer O3 sums in a narrower format\n\n");
+    std::printf("O2 behind it: of peer O2, because peer O3 sums in a narrower format\n");
+    std::printf("second ratio: time of OpenBLAS / our time. %s\n\n",
+                bench::openblas_version().c_str());
     bench::print_heading();
     bench::bench_reductions(table);
     bench::bench_extrema(table);
     bench::bench_dot_product(table);
+    bench::bench_matmul(table);
     if (table.rows == 0) {
         std::fprintf(stderr, "no row's name contains \"%s\"\n", table.filter);
         return EXIT_FAILURE;

@@ -3,7 +3,6 @@
 #include "reduction_rows.h"
 
 #include <cmath>
-#include <cstring>
 
 namespace bench {
 
@@ -43,10 +42,6 @@ std::string full_name(const char *row, const Shape &shape) {
 const Storage &shared_storage() {
     static const Storage all = storage_for_all();
     return all;
-}
-
-void spoil(void *const (&results)[contestants], std::size_t bytes) {
-    for (int c = 0; c < contestants; ++c) std::memset(results[c], 0x11 * (c + 1), bytes);
 }
 
 // ---- Running a row ----------------------------------------------------------

@@ -61,9 +61,6 @@ struct Storage {
 // One for all rows.
 const Storage &shared_storage();
 
-// What a contestant fails to write differs from the others' results.
-void spoil(void *const (&results)[contestants], std::size_t bytes);
-
 // ---- Rows of one array ------------------------------------------------------
 
 // How the reduced elements lie in the storage.
