@@ -89,6 +89,7 @@ struct BlockVisit {
     int column;
     bool packs_a;
     bool copies_b;
+    int next_column; // of this pass; at its end the same
 };
 
 // A serpentine in both dimensions: each pass, and each chunk, starts where the last ended.
@@ -101,8 +102,9 @@ void walk_blocks(int chunks, int row_blocks, int column_blocks, Visit visit) {
     for (int chunk = 0; chunk < chunks; ++chunk, down = -down)
         for (int i = 0; i < row_blocks; ++i, right = -right) {
             for (int j = 0; j < column_blocks; ++j) {
-                visit(BlockVisit{chunk, row, column, j == 0, j > 0 || i == 0});
-                if (j + 1 < column_blocks) column += right;
+                const int next = j + 1 < column_blocks ? column + right : column;
+                visit(BlockVisit{chunk, row, column, j == 0, j > 0 || i == 0, next});
+                column = next;
             }
             if (i + 1 < row_blocks) row += down;
         }
@@ -172,13 +174,25 @@ template <class T> std::ptrdiff_t tiles_at(int rows, int kp) {
     return (behind + cache_line - 1) / cache_line * cache_line;
 }
 
-// A block of C from the work area.
+// The next block of B, to be brought near by a product of so many tiles.
+template <class T> Upcoming upcoming_block(const Matrix &next, int columns, int kc, int tiles) {
+    if (next.step1 != bytes<T>(1)) return {};
+    const std::ptrdiff_t length = bytes<T>(kc);
+    const int lines = columns * static_cast<int>(length / Upcoming::line + 1);
+    const int calls = tiles * ((kc - 1) / Upcoming::interval + 1);
+    return {next.at, next.at + length, next.step2, length, (lines - 1) / calls + 1};
+}
+
+// A block of C from the work area; `next` is the block of B that will be copied next.
 template <class T>
 void multiply_block(int width, bool add, int rows, int columns, int kp, Bytes area,
-                    const Halves &packed_a, ConstBytes tiles, const Matrix &c) {
+                    const Halves &packed_a, ConstBytes tiles, const Matrix &c, const Matrix &next) {
     const Matrix b{area, bytes<T>(1), bytes<T>(kp)};
     if constexpr (has_tiles<T>) {
-        multiply_tiles<T, OneByOne>(width, add, rows, columns, kp, tiles, b, c);
+        const int tiles_of_c = ((rows - 1) / rows_of_tile<T>(width) + 1) *
+                               ((columns - 1) / TileKernel<T, OneByOne>::columns_at_once + 1);
+        multiply_tiles<T, OneByOne>(width, add, rows, columns, kp, tiles, b, c,
+                                    upcoming_block<T>(next, columns, kp, tiles_of_c));
     } else {
         const int half = (columns + 1) / 2;
         vector_kernel<T>(add, kp, columns, rows, {b, half * b.step2}, packed_a, c, half * c.step2);
@@ -219,7 +233,7 @@ void blocked_product(Bytes area, int m, int k, int n, const Matrix &a, const Mat
             padded = visit.chunk;
         }
         multiply_block<T>(width, visit.chunk > 0, rows, columns, kp, area, packed_a, tiles,
-                          c.from(i0, j0));
+                          c.from(i0, j0), b.from(k0, visit.next_column * right.size));
     });
 }
 
@@ -241,9 +255,8 @@ void small_product(Bytes area, int m, int k, int n, const Matrix &a, const Matri
         const int width = tile_width<T>(m);
         const int tile_rows = rows_of_tile<T>(width);
         const int in_place = a.step1 == bytes<T>(1) ? m / tile_rows * tile_rows : 0;
-        if (in_place > 0)
-            run_at_width<TileKernel<T, OneByOne>>(
-                width, TileProduct{false, in_place, n, k, a.at, a.step2, width, columns, c});
+        TileProduct in_a{false, in_place, n, k, a.at, a.step2, width, columns, c, {}};
+        if (in_place > 0) run_at_width<TileKernel<T, OneByOne>>(width, in_a);
         for (int i = in_place; i < m; i += tile_rows) {
             const int rows = std::min(tile_rows, m - i);
             pack_tiles<T>(width, tile, alternating(a.from(i, 0)), rows, k);

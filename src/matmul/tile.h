@@ -86,6 +86,29 @@ template <class T> struct TilePacker {
 
 // ---- Sums -------------------------------------------------------------------
 
+// What will be read next, columns of memory that are brought near while a product is
+// computed: every so many k some cache lines. Beyond the last column nothing is harmed.
+struct Upcoming {
+    static constexpr int line = 64;
+    static constexpr int interval = 64; // k
+
+    ConstBytes at;
+    ConstBytes column_end;
+    std::ptrdiff_t column; // from column to column
+    std::ptrdiff_t length; // of a column
+    int lines;             // at a time
+
+    void fetch() {
+        for (int i = 0; i < lines; ++i, at += line) {
+            if (at >= column_end) {
+                at += column - length;
+                column_end += column;
+            }
+            __builtin_prefetch(at, 0, 2);
+        }
+    }
+};
+
 // C = A x B, or that added to C: A in tiles, `a_step` bytes from k to k and `a_tile` from
 // tile to tile; B dense along k.
 struct TileProduct {
@@ -98,12 +121,13 @@ struct TileProduct {
     std::ptrdiff_t a_tile;
     Matrix b;
     Matrix c;
+    Upcoming upcoming;
 };
 
 template <class T, class Form> struct TileKernel {
     static constexpr int columns_at_once = is_complex<T> ? 2 : 6;
 
-    template <int Width> static void run(const TileProduct &p) {
+    template <int Width> static void run(TileProduct &p) {
         constexpr int tile_rows = rows_of_tile<T>(Width);
         ConstBytes a = p.a;
         for (int i = 0; i < p.rows; i += tile_rows, a += p.a_tile)
@@ -111,42 +135,45 @@ template <class T, class Form> struct TileKernel {
     }
 
     // A tile's rows by all columns from j on, N at a time, and the rest by fewer.
-    template <int Width, int N>
-    static void across(const TileProduct &p, ConstBytes a, int i, int j) {
+    template <int Width, int N> static void across(TileProduct &p, ConstBytes a, int i, int j) {
         for (; p.columns - j >= N; j += N) {
             Lanes<Lane<T>, Width> sums[N * planes<T>];
-            sum<Width, N>(p.kc, a, p.a_step, p.b.element(0, j), p.b.step2, sums);
+            sum<Width, N>(p, a, p.b.element(0, j), sums);
             deliver_tile<Width, N>(p, sums, i, j);
         }
         if constexpr (N > 1) across<Width, N - 1>(p, a, i, j);
     }
 
     template <int Width, int N, class V>
-    static void sum(int kc, ConstBytes a, std::ptrdiff_t a_step, ConstBytes b,
-                    std::ptrdiff_t column, V *sums) {
+    static void sum(TileProduct &p, ConstBytes a, ConstBytes b, V *sums) {
         if constexpr (is_complex<T>)
-            sum_complex<Width, N>(kc, a, a_step, b, column, sums);
+            sum_complex<Width, N>(p.kc, a, p.a_step, b, p.b.step2, sums);
         else
-            sum_plain<Width, N>(kc, a, a_step, b, column, sums);
+            sum_plain<Width, N>(p, a, b, sums);
     }
 
     template <int Width, int N, class V>
-    static void sum_plain(int kc, ConstBytes a, std::ptrdiff_t a_step, ConstBytes b,
-                          std::ptrdiff_t column, V *sums) {
+    static void sum_plain(TileProduct &p, ConstBytes a, ConstBytes b, V *sums) {
         V s0{}, s1{}, s2{}, s3{}, s4{}, s5{};
+        const std::ptrdiff_t column = p.b.step2;
+        const std::ptrdiff_t a_step = p.a_step;
         ConstBytes b3 = b + 3 * column;
+        for (int left = p.kc; left > 0; left -= Upcoming::interval) {
+            const int here = std::min(left, Upcoming::interval);
 #pragma GCC unroll 4
-        for (int k = 0; k < kc; ++k) {
-            const V left = load_lanes<V>(a);
-            s0 += times<Width>(left, b);
-            if constexpr (N > 1) s1 += times<Width>(left, b + column);
-            if constexpr (N > 2) s2 += times<Width>(left, b + 2 * column);
-            if constexpr (N > 3) s3 += times<Width>(left, b3);
-            if constexpr (N > 4) s4 += times<Width>(left, b3 + column);
-            if constexpr (N > 5) s5 += times<Width>(left, b3 + 2 * column);
-            a += a_step;
-            b += sizeof(T);
-            b3 += sizeof(T);
+            for (int k = 0; k < here; ++k) {
+                const V lanes = load_lanes<V>(a);
+                s0 += times<Width>(lanes, b);
+                if constexpr (N > 1) s1 += times<Width>(lanes, b + column);
+                if constexpr (N > 2) s2 += times<Width>(lanes, b + 2 * column);
+                if constexpr (N > 3) s3 += times<Width>(lanes, b3);
+                if constexpr (N > 4) s4 += times<Width>(lanes, b3 + column);
+                if constexpr (N > 5) s5 += times<Width>(lanes, b3 + 2 * column);
+                a += a_step;
+                b += sizeof(T);
+                b3 += sizeof(T);
+            }
+            p.upcoming.fetch();
         }
         const V *const all[] = {&s0, &s1, &s2, &s3, &s4, &s5};
         for (int j = 0; j < N; ++j) sums[j] = *all[j];
@@ -250,10 +277,11 @@ template <class T> void pack_tiles(int width, Bytes to, const Halves &a, int row
 // The product of packed rows.
 template <class T, class Form>
 void multiply_tiles(int width, bool add, int rows, int columns, int kc, ConstBytes a,
-                    const Matrix &b, const Matrix &c) {
-    run_at_width<TileKernel<T, Form>>(width, TileProduct{add, rows, columns, kc, a,
-                                                         tile_bytes<T>(width, 1),
-                                                         tile_bytes<T>(width, kc), b, c});
+                    const Matrix &b, const Matrix &c, const Upcoming &upcoming = {}) {
+    TileProduct product{
+        add, rows, columns, kc, a, tile_bytes<T>(width, 1), tile_bytes<T>(width, kc),
+        b,   c,    upcoming};
+    run_at_width<TileKernel<T, Form>>(width, product);
 }
 
 } // namespace quill
