@@ -23,6 +23,35 @@ struct LineProduct {
     Matrix c;
 };
 
+// ---- Factors ----------------------------------------------------------------
+
+// An element of the vector as what lanes are multiplied by. A complex one multiplies lanes
+// of real and imaginary parts by turns: `direct` the real parts, each in both lanes,
+// `crossed` the imaginary ones; a product subtracted is its negative added, to the bit.
+template <class T, int Width> struct Factor {
+    T value;
+
+    static Factor at(ConstBytes v) { return {load<T>(v)}; }
+    template <class V> void add(V &sum, const V &elements) const { sum += elements * value; }
+};
+
+template <class Part, int Width> struct Factor<Complex<Part>, Width> {
+    using V = Lanes<Part, Width>;
+    V direct;
+    V crossed;
+
+    static Factor at(ConstBytes v) {
+        const auto value = load<Complex<Part>>(v);
+        return {
+            numbered_lanes<Part, Width>([&](int i) { return i % 2 == 0 ? value.re : value.im; }),
+            numbered_lanes<Part, Width>([&](int i) { return i % 2 == 0 ? -value.im : value.re; })};
+    }
+    void add(V &sum, const V &elements) const {
+        sum += paired<0>(elements) * direct;
+        sum += paired<1>(elements) * crossed;
+    }
+};
+
 // ---- Lines side by side -----------------------------------------------------
 
 // Neighbouring lines are neighbours in memory: sums of many lines wait in the nearest
@@ -30,7 +59,7 @@ struct LineProduct {
 template <class T> struct AdjacentLines {
     static constexpr int size = sizeof(T);
     static constexpr int sums_bytes = 8192;
-    static constexpr int at_once = 4; // k
+    static constexpr int at_once = is_complex<T> ? 2 : 4; // k
 
     template <int Width> static void run(const LineProduct &p) {
         constexpr int most = sums_bytes / size;
@@ -49,22 +78,22 @@ template <class T> struct AdjacentLines {
 
     template <int Width, int N>
     static void pass(Bytes sums, int lines, const Matrix &a, ConstBytes v) {
-        using V = Lanes<T, Width>;
+        using V = Lanes<typename PartOf<T>::type, Width>;
         constexpr int per_vector = Width / size;
-        T factors[N];
-        for (int k = 0; k < N; ++k) factors[k] = load<T>(v + k * size);
+        Factor<T, Width> factors[N];
+        for (int k = 0; k < N; ++k) factors[k] = Factor<T, Width>::at(v + k * size);
         int line = 0;
         for (; lines - line >= per_vector; line += per_vector) {
             V sum = load_lanes<V>(sums + line * size);
 #pragma GCC unroll 8
             for (int k = 0; k < N; ++k)
-                sum += load_lanes<V>(a.element(0, k) + line * size) * factors[k];
+                factors[k].add(sum, load_lanes<V>(a.element(0, k) + line * size));
             std::memcpy(sums + line * size, &sum, sizeof sum);
         }
         for (; line < lines; ++line) {
             T sum = load<T>(sums + line * size);
             for (int k = 0; k < N; ++k)
-                OneByOne::add(sum, load<T>(a.element(0, k) + line * size), factors[k]);
+                OneByOne::add(sum, load<T>(a.element(0, k) + line * size), load<T>(v + k * size));
             store(sums + line * size, sum);
         }
     }
@@ -72,14 +101,16 @@ template <class T> struct AdjacentLines {
 
 // ---- Dense lines ------------------------------------------------------------
 
-// Reals: two k of as many lines as a vector has lanes are brought together in registers,
-// with one shuffle for each.
+// As many lines as a vector has lanes are brought together in registers: of reals two k at
+// a time, with one shuffle for each.
 template <class T> struct DenseLines {
     static constexpr int size = sizeof(T);
-    template <int Width> using V = Lanes<T, Width>;
+    static constexpr int at_once = is_complex<T> ? 1 : 2; // k
+    template <int Width> using V = Lanes<typename PartOf<T>::type, Width>;
 
+    // Four lines in a vector at the most.
     template <int Width> static void run(const LineProduct &p) {
-        across<size == 4 ? 16 : std::min(Width, 32), 3>(p, 0); // of four lines at the most
+        across<sizeof(typename PartOf<T>::type) == 4 ? 16 : std::min(Width, 32), 3>(p, 0);
     }
 
     // N vectors of lines at a time, and the rest by fewer.
@@ -102,16 +133,16 @@ template <class T> struct DenseLines {
         ConstBytes a1 = p.a.element(line + per_vector, 0);
         ConstBytes a2 = p.a.element(line + 2 * per_vector, 0);
         int k = 0;
-        for (; p.kc - k >= 2; k += 2) {
-            const T factor = load<T>(v);
-            const T next = load<T>(v + size);
-            add_two<Width>(s0, a0, p.a.step1, factor, next);
-            if constexpr (N > 1) add_two<Width>(s1, a1, p.a.step1, factor, next);
-            if constexpr (N > 2) add_two<Width>(s2, a2, p.a.step1, factor, next);
-            v += 2 * size;
-            a0 += 2 * size;
-            a1 += 2 * size;
-            a2 += 2 * size;
+        for (; p.kc - k >= at_once; k += at_once) {
+            const auto factor = Factor<T, Width>::at(v);
+            const auto next = Factor<T, Width>::at(v + (at_once - 1) * size);
+            add<Width>(s0, a0, p.a.step1, factor, next);
+            if constexpr (N > 1) add<Width>(s1, a1, p.a.step1, factor, next);
+            if constexpr (N > 2) add<Width>(s2, a2, p.a.step1, factor, next);
+            v += at_once * size;
+            a0 += at_once * size;
+            a1 += at_once * size;
+            a2 += at_once * size;
         }
         T sums[3 * per_vector];
         std::memcpy(sums, &s0, sizeof s0);
@@ -121,34 +152,39 @@ template <class T> struct DenseLines {
     }
 
     template <int Width>
-    static void add_two(V<Width> &sum, ConstBytes a, std::ptrdiff_t line, T factor, T next) {
-        if constexpr (Width / size == 2) {
+    static void add(V<Width> &sum, ConstBytes a, std::ptrdiff_t line,
+                    const Factor<T, Width> &factor, const Factor<T, Width> &next) {
+        constexpr int lines = Width / size;
+        if constexpr (lines == 1) {
+            factor.add(sum, load_lanes<V<Width>>(a));
+        } else if constexpr (is_complex<T>) {
+            factor.add(sum, halves<Width>(a, a + line));
+        } else if constexpr (lines == 2) {
             const auto w = load_lanes<V<Width>>(a);
             const auto x = load_lanes<V<Width>>(a + line);
-            sum += __builtin_shufflevector(w, x, 0, 2) * factor;
-            sum += __builtin_shufflevector(w, x, 1, 3) * next;
+            factor.add(sum, __builtin_shufflevector(w, x, 0, 2));
+            next.add(sum, __builtin_shufflevector(w, x, 1, 3));
         } else if constexpr (Width == 16) {
-            const auto wx = two_and_two<Width>(a, a + line);
-            const auto yz = two_and_two<Width>(a + 2 * line, a + 3 * line);
-            sum += __builtin_shufflevector(wx, yz, 0, 2, 4, 6) * factor;
-            sum += __builtin_shufflevector(wx, yz, 1, 3, 5, 7) * next;
-        } else { // shuffles within each half of a vector
-            const auto wy = two_and_two<Width>(a, a + 2 * line);
-            const auto xz = two_and_two<Width>(a + line, a + 3 * line);
-            sum += __builtin_shufflevector(wy, xz, 0, 4, 2, 6) * factor;
-            sum += __builtin_shufflevector(wy, xz, 1, 5, 3, 7) * next;
+            const auto wx = halves<Width>(a, a + line);
+            const auto yz = halves<Width>(a + 2 * line, a + 3 * line);
+            factor.add(sum, __builtin_shufflevector(wx, yz, 0, 2, 4, 6));
+            next.add(sum, __builtin_shufflevector(wx, yz, 1, 3, 5, 7));
+        } else { // shuffles within each half
+            const auto wy = halves<Width>(a, a + 2 * line);
+            const auto xz = halves<Width>(a + line, a + 3 * line);
+            factor.add(sum, __builtin_shufflevector(wy, xz, 0, 4, 2, 6));
+            next.add(sum, __builtin_shufflevector(wy, xz, 1, 5, 3, 7));
         }
     }
 
-    // Two elements from either address, moved as one each.
-    template <int Width> static V<Width> two_and_two(ConstBytes first, ConstBytes second) {
-        if constexpr (size == 4) {
-            return same_bits<V<Width>>(
-                Lanes<Real8, Width>{load<Real8>(first), load<Real8>(second)});
+    // A vector of half its bytes from either address: of 16 bytes, or of four doubles.
+    template <int Width> static V<Width> halves(ConstBytes low, ConstBytes high) {
+        if constexpr (Width == 16) {
+            return same_bits<V<Width>>(Lanes<Real8, Width>{load<Real8>(low), load<Real8>(high)});
         } else {
-            const auto low = load_lanes<V<Width / 2>>(first);
-            const auto high = load_lanes<V<Width / 2>>(second);
-            return __builtin_shufflevector(low, high, 0, 1, 2, 3);
+            const auto first = load_lanes<V<Width / 2>>(low);
+            const auto second = load_lanes<V<Width / 2>>(high);
+            return __builtin_shufflevector(first, second, 0, 1, 2, 3);
         }
     }
 
@@ -177,7 +213,7 @@ template <std::integral T> struct DenseLines<T> {
 // Whether the lines were of a kind that vectors serve, and are done.
 template <class T> bool multiply_lines(const LineProduct &p) {
     constexpr int few = 8; // so small a product is quicker without vectors
-    if constexpr (is_vectorisable<T> && !is_complex<T>) {
+    if constexpr (is_vectorisable<T>) {
         if (p.lines < few || p.kc < few) return false;
         const int width = widest_vectors();
         if (p.a.step1 == bytes<T>(1)) {

@@ -88,4 +88,8 @@ template <class T> [[gnu::always_inline]] inline void deliver(bool add, const T 
 template <class T> constexpr bool is_complex = false;
 template <class Part> constexpr bool is_complex<Complex<Part>> = true;
 
+// The real that a complex number is made of; of other types the type itself.
+template <class T> struct PartOf { using type = T; };
+template <class Part> struct PartOf<Complex<Part>> { using type = Part; };
+
 } // namespace quill

@@ -17,9 +17,8 @@ namespace quill {
 
 // What a lane holds: an element or a part of one. Bytes are multiplied in lanes of 16
 // bits, whose low halves come out right, whatever the high ones hold.
-template <class T> struct LaneOf { using type = T; };
+template <class T> struct LaneOf : PartOf<T> {};
 template <> struct LaneOf<Int1> { using type = Int2; };
-template <class Part> struct LaneOf<Complex<Part>> { using type = Part; };
 template <class T> using Lane = typename LaneOf<T>::type;
 
 // Vectors per k: the real parts of complex numbers, then their imaginary parts.

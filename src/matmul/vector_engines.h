@@ -90,11 +90,11 @@ template <class T> void panel_1x2(int n, int k, const Matrix &v, const Matrix &b
     for (int k0 = 0; k0 < full; k0 += sizes.chunk) inner(true, k0, sizes.chunk);
 }
 
-// v and c are rows. B is read in panels of columns, down all of K, in as few streams as the
-// processor can follow.
+// v and c are rows. Where K has several chunks, B is read in panels of columns, down all of
+// K, in as few streams as the processor can follow.
 template <class T>
 void engine_1x2(int n, int k, const Matrix &v, const Matrix &b, const Matrix &c) {
-    constexpr int panel = 96;
+    const int panel = k > vector_chunks<T>.chunk ? 96 : n;
     for (int j = 0; j < n; j += panel)
         panel_1x2<T>(std::min(panel, n - j), k, v, b.from(0, j), c.from(0, j));
 }
