@@ -42,6 +42,10 @@ inline Halves halves(const Matrix &first, void *second) {
     return {first, address(second) - first.at};
 }
 
+inline Bytes row_of(const Halves &a, int i) {
+    return a.first.element(i / 2, 0) + (i % 2 != 0 ? a.second : 0);
+}
+
 // Rows of even and of odd index.
 inline Halves alternating(const Matrix &a) { return {{a.at, 2 * a.step1, a.step2}, a.step1}; }
 

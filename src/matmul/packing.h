@@ -2,7 +2,11 @@
 // Elements are moved whole.
 #pragma once
 
+#include "frame/isa.h"
+#include "frame/lanes.h"
 #include "matmul/operands.h"
+
+#include <algorithm>
 
 namespace quill {
 
@@ -10,15 +14,55 @@ template <class T> [[gnu::always_inline]] inline void move(Bytes to, ConstBytes 
     store(to, load<T>(from));
 }
 
+// ---- Squares ----------------------------------------------------------------
+
+// The side of the squares of elements that registers transpose, 1 where they don't.
+template <class T> constexpr int square_side(int width) {
+    return sizeof(T) == 8 ? (width > 16 ? 4 : 2) : sizeof(T) == 4 ? 4 : 1;
+}
+
+// Reads Side rows at from(0), from(1) ... and writes its columns to to(0), to(1) ...
+template <class T, int Side, class From, class To> void move_square(From from, To to) {
+    using V = Lanes<SignedOfSize<sizeof(T)>, Side *static_cast<int>(sizeof(T))>;
+    V square[Side];
+    for (int i = 0; i < Side; ++i) square[i] = load_lanes<V>(from(i));
+    transpose(square);
+    for (int i = 0; i < Side; ++i) std::memcpy(to(i), &square[i], sizeof(V));
+}
+
+// ---- Packers ----------------------------------------------------------------
+
+// Rows of a matrix, made dense along k, where its columns are.
+template <class T> struct ColumnsToRows {
+    template <int Width> static void run(const Halves &to, const Matrix &a, int rows, int kc) {
+        constexpr int side = square_side<T>(Width);
+        int i = 0;
+        if constexpr (side > 1)
+            for (; rows - i >= side; i += side) {
+                int k = 0;
+                for (; kc - k >= side; k += side)
+                    move_square<T, side>([&](int q) { return a.element(i, k + q); },
+                                         [&](int q) { return row_of(to, i + q) + bytes<T>(k); });
+                for (; k < kc; ++k)
+                    for (int q = 0; q < side; ++q)
+                        move<T>(row_of(to, i + q) + bytes<T>(k), a.element(i + q, k));
+            }
+        for (; i < rows; ++i)
+            for (int k = 0; k < kc; ++k) move<T>(row_of(to, i) + bytes<T>(k), a.element(i, k));
+    }
+};
+
 // f90_Trans2: rows x kc elements of A as rows of kp, those of even index first, zeros
 // behind the kc.
-template <class T> void trans2(Bytes to, const Matrix &a, int rows, int kc, int kp) {
-    const std::ptrdiff_t odd = (rows + 1) / 2 * bytes<T>(kp);
-    for (int i = 0; i < rows; ++i) {
-        const Bytes row = to + i / 2 * bytes<T>(kp) + (i % 2 != 0 ? odd : 0);
-        for (int k = 0; k < kc; ++k) move<T>(row + bytes<T>(k), a.element(i, k));
-        for (int k = kc; k < kp; ++k) store(row + bytes<T>(k), T{});
-    }
+template <class T> void trans2(Bytes dest, const Matrix &a, int rows, int kc, int kp) {
+    const Halves to{{dest, bytes<T>(kp), bytes<T>(1)}, (rows + 1) / 2 * bytes<T>(kp)};
+    if (is_vectorisable<T> && a.step1 == bytes<T>(1))
+        run_at_width<ColumnsToRows<T>>(std::min(widest_vectors(), 32), to, a, rows, kc);
+    else
+        for (int i = 0; i < rows; ++i)
+            for (int k = 0; k < kc; ++k) move<T>(row_of(to, i) + bytes<T>(k), a.element(i, k));
+    for (int i = 0; i < rows; ++i)
+        for (int k = kc; k < kp; ++k) store(row_of(to, i) + bytes<T>(k), T{});
 }
 
 // f90_ConvertBlock: rows x kc elements of A in groups of R rows, k after k.

@@ -7,7 +7,7 @@
 
 #include "frame/isa.h"
 #include "frame/lanes.h"
-#include "matmul/operands.h"
+#include "matmul/packing.h"
 
 #include <algorithm>
 
@@ -62,15 +62,34 @@ template <class T> struct TilePacker {
     // Some k of every row at a time, so that what is written stays in the nearest cache.
     template <int Width> static void pack(Bytes to, const Halves &a, int rows, int kc) {
         constexpr int piece = 32;
-        for (int k0 = 0; k0 < kc; k0 += piece)
-            for (int lane = 0; lane < rows_of_tile<T>(Width); ++lane) {
-                const int row = std::min(lane, rows - 1);
-                const Matrix from = a.first.from(row / 2, 0);
-                const std::ptrdiff_t half = row % 2 != 0 ? a.second : 0;
-                for (int k = k0; k < std::min(k0 + piece, kc); ++k)
-                    put<Width>(to + tile_bytes<T>(Width, k) + bytes<Lane<T>>(lane),
-                               load<T>(from.element(0, k) + half));
-            }
+        constexpr int side = std::is_same_v<T, Lane<T>> ? square_side<T>(std::min(Width, 32)) : 1;
+        const int squares = side > 1 && a.first.step2 == bytes<T>(1) ? rows / side * side : 0;
+        for (int k = 0; k < kc; k += piece, to += tile_bytes<T>(Width, piece)) {
+            const Halves here{a.first.from(0, k), a.second};
+            const int last = std::min(piece, kc - k);
+            for (int lane = 0; lane < squares; lane += side)
+                pack_lanes<Width, side>(to + bytes<T>(lane), here, lane, last);
+            for (int lane = squares; lane < rows_of_tile<T>(Width); ++lane)
+                pack_lane<Width>(to + bytes<Lane<T>>(lane), here, std::min(lane, rows - 1), 0,
+                                 last);
+        }
+    }
+
+    template <int Width, int Side>
+    static void pack_lanes(Bytes to, const Halves &a, int row, int kc) {
+        int k = 0;
+        if constexpr (Side > 1)
+            for (; kc - k >= Side; k += Side)
+                move_square<T, Side>([&](int i) { return row_of(a, row + i) + bytes<T>(k); },
+                                     [&](int i) { return to + tile_bytes<T>(Width, k + i); });
+        for (int i = 0; i < Side; ++i) pack_lane<Width>(to + bytes<T>(i), a, row + i, k, kc);
+    }
+
+    template <int Width>
+    static void pack_lane(Bytes to, const Halves &a, int row, int first, int last) {
+        const Bytes from = row_of(a, row);
+        for (int k = first; k < last; ++k)
+            put<Width>(to + tile_bytes<T>(Width, k), load<T>(from + k * a.first.step2));
     }
 
     template <int Width> static void put(Bytes to, const T &element) {
