@@ -74,25 +74,29 @@ template <int upper, class V> V interleaved(const V &a, const V &b) {
     (std::make_integer_sequence<int, count>());
 }
 
-// A square of elements, as many vectors as each has lanes (four of 4 bytes, or two or four
-// of 8), transposed.
-template <class V> void transpose(V (&rows)[2]) {
-    const V first = __builtin_shufflevector(rows[0], rows[1], 0, 2);
-    rows[1] = __builtin_shufflevector(rows[0], rows[1], 1, 3);
-    rows[0] = first;
-}
-template <class V> void transpose(V (&rows)[4]) {
-    constexpr bool halves = sizeof(V) == 32; // shuffles are cheap within 16 bytes
-    constexpr int one = halves ? 2 : 1;
-    constexpr int other = 3 - one;
-    const V a = __builtin_shufflevector(rows[0], rows[1], 0, 4, one, 4 + one);
-    const V b = __builtin_shufflevector(rows[0], rows[1], other, 4 + other, 3, 7);
-    const V c = __builtin_shufflevector(rows[2], rows[3], 0, 4, one, 4 + one);
-    const V d = __builtin_shufflevector(rows[2], rows[3], other, 4 + other, 3, 7);
-    rows[0] = __builtin_shufflevector(a, c, 0, 1, 4, 5);
-    rows[halves ? 2 : 1] = __builtin_shufflevector(a, c, 2, 3, 6, 7);
-    rows[halves ? 1 : 2] = __builtin_shufflevector(b, d, 0, 1, 4, 5);
-    rows[3] = __builtin_shufflevector(b, d, 2, 3, 6, 7);
+// A square of elements, as many vectors as each has lanes, transposed: in vectors of 16
+// bytes, or of four elements of 8.
+template <class V, int side> void transpose(V (&rows)[side]) {
+    static_assert(sizeof(V) == side * sizeof(rows[0][0]) && (sizeof(V) == 16 || side == 4));
+    if constexpr (sizeof(V) == 16) {
+        for (int stage = 1; stage < side; stage *= 2) {
+            V next[side];
+            for (int i = 0; i < side / 2; ++i) {
+                next[2 * i] = interleaved<0>(rows[i], rows[i + side / 2]);
+                next[2 * i + 1] = interleaved<1>(rows[i], rows[i + side / 2]);
+            }
+            for (int i = 0; i < side; ++i) rows[i] = next[i];
+        }
+    } else { // shuffles are cheap within 16 bytes
+        const V even = __builtin_shufflevector(rows[0], rows[1], 0, 4, 2, 6);
+        const V odd = __builtin_shufflevector(rows[0], rows[1], 1, 5, 3, 7);
+        const V next_even = __builtin_shufflevector(rows[2], rows[3], 0, 4, 2, 6);
+        const V next_odd = __builtin_shufflevector(rows[2], rows[3], 1, 5, 3, 7);
+        rows[0] = __builtin_shufflevector(even, next_even, 0, 1, 4, 5);
+        rows[1] = __builtin_shufflevector(odd, next_odd, 0, 1, 4, 5);
+        rows[2] = __builtin_shufflevector(even, next_even, 2, 3, 6, 7);
+        rows[3] = __builtin_shufflevector(odd, next_odd, 2, 3, 6, 7);
+    }
 }
 
 // All lanes folded into one by combine: halves down to 16 bytes, then the vector

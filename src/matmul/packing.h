@@ -18,7 +18,8 @@ template <class T> [[gnu::always_inline]] inline void move(Bytes to, ConstBytes 
 
 // The side of the squares of elements that registers transpose, 1 where they don't.
 template <class T> constexpr int square_side(int width) {
-    return sizeof(T) == 8 ? (width > 16 ? 4 : 2) : sizeof(T) == 4 ? 4 : 1;
+    constexpr int size = sizeof(T);
+    return size == 8 && width > 16 ? 4 : size > 1 && size <= 8 ? 16 / size : 1;
 }
 
 // Reads Side rows at from(0), from(1) ... and writes its columns to to(0), to(1) ...

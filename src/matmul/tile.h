@@ -31,11 +31,10 @@ template <class T> constexpr std::ptrdiff_t tile_bytes(int width, int kc) {
     return static_cast<std::ptrdiff_t>(kc) * planes<T> * width;
 }
 
-// The width of vectors for so many rows: the narrowest that holds them all, or the widest.
+// The width of vectors for so many rows: the widest, or half of it where that holds all.
 template <class T> int tile_width(int rows) {
-    int width = widest_vectors();
-    while (width > 16 && rows_of_tile<T>(width / 2) >= rows) width /= 2;
-    return width;
+    const int widest = widest_vectors();
+    return widest == 64 && rows <= rows_of_tile<T>(32) ? 32 : widest;
 }
 
 // Rows of A in tile order: tile after tile, in it k after k a vector of rows, or one for
@@ -48,15 +47,17 @@ template <class T> struct TilePacker {
         for (int i = 0; i < rows; i += tile_rows, to += tile_bytes<T>(Width, kc)) {
             const int here = std::min(tile_rows, rows - i);
             const Matrix first = a.first.from(i / 2, 0);
-            if (dense && here == tile_rows && std::is_same_v<T, Lane<T>>)
-                copy_vectors<Width>(to, first, kc);
+            if (dense && here == tile_rows)
+                pack_columns<Width>(to, first, kc);
             else
                 pack<Width>(to, {first, a.second}, here, kc);
         }
     }
 
-    template <int Width> static void copy_vectors(Bytes to, Matrix a, int kc) {
-        for (; kc > 0; --kc, a.at += a.step2, to += Width) std::memcpy(to, a.at, Width);
+    template <int Width> static void pack_columns(Bytes to, Matrix a, int kc) {
+        for (; kc > 0; --kc, a.at += a.step2, to += tile_bytes<T>(Width, 1))
+            for (int lane = 0; lane < rows_of_tile<T>(Width); ++lane)
+                put<Width>(to + bytes<Lane<T>>(lane), load<T>(a.at + bytes<T>(lane)));
     }
 
     // Some k of every row at a time, so that what is written stays in the nearest cache.
