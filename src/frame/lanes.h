@@ -65,6 +65,15 @@ template <int which, class V> V paired(const V &lanes) {
     (std::make_integer_sequence<int, count>());
 }
 
+// The two lanes of each pair exchanged.
+template <class V> V swapped(const V &lanes) {
+    constexpr int count = sizeof(V) / sizeof(lanes[0]);
+    return [&]<int... i>(std::integer_sequence<int, i...>) {
+        return __builtin_shufflevector(lanes, lanes, (i ^ 1)...);
+    }
+    (std::make_integer_sequence<int, count>());
+}
+
 // Lanes of a and b by turns: of their lower halves, or of their upper ones.
 template <int upper, class V> V interleaved(const V &a, const V &b) {
     constexpr int count = sizeof(V) / sizeof(a[0]);

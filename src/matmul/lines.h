@@ -25,38 +25,61 @@ struct LineProduct {
 
 // ---- Factors ----------------------------------------------------------------
 
-// An element of the vector as what lanes are multiplied by. A complex one multiplies lanes
-// of real and imaginary parts by turns: `direct` the real parts, each in both lanes,
-// `crossed` the imaginary ones; a product subtracted is its negative added, to the bit.
-template <class T, int Width> struct Factor {
+// Which factor of a product the vector holds: the first of v x B, the second of A x v. The
+// imaginary part of a complex product is summed in an order that tells them apart.
+enum class Place { First, Second };
+template <class T> constexpr Place place_for(Place vector) {
+    return is_complex<T> ? vector : Place::First;
+}
+
+// An element of the vector as what lanes are multiplied by.
+template <class T, int Width, Place place> struct Factor {
     T value;
 
     static Factor at(ConstBytes v) { return {load<T>(v)}; }
     template <class V> void add(V &sum, const V &elements) const { sum += elements * value; }
 };
 
-template <class Part, int Width> struct Factor<Complex<Part>, Width> {
+// Lanes hold real and imaginary parts by turns. What the real part loses is added to it
+// negative, which gives the same bits.
+template <class Part, int Width, Place place> struct Factor<Complex<Part>, Width, place> {
     using V = Lanes<Part, Width>;
-    V direct;
-    V crossed;
+    V first;
+    V second;
 
-    static Factor at(ConstBytes v) {
-        const auto value = load<Complex<Part>>(v);
-        return {
-            numbered_lanes<Part, Width>([&](int i) { return i % 2 == 0 ? value.re : value.im; }),
-            numbered_lanes<Part, Width>([&](int i) { return i % 2 == 0 ? -value.im : value.re; })};
+    static V by_turns(Part re, Part im) {
+        return numbered_lanes<Part, Width>([&](int i) { return i % 2 == 0 ? re : im; });
+    }
+    static Factor at(ConstBytes at) {
+        const auto v = load<Complex<Part>>(at);
+        if constexpr (place == Place::First)
+            return {by_turns(v.re, v.re), by_turns(-v.im, v.im)};
+        else
+            return {by_turns(v.re, v.im), by_turns(-v.im, v.re)};
     }
     void add(V &sum, const V &elements) const {
-        sum += paired<0>(elements) * direct;
-        sum += paired<1>(elements) * crossed;
+        if constexpr (place == Place::First) {
+            sum += elements * first;
+            sum += swapped(elements) * second;
+        } else {
+            sum += paired<0>(elements) * first;
+            sum += paired<1>(elements) * second;
+        }
     }
 };
+
+template <Place place, class T> void add_product(T &sum, const T &vector, const T &matrix) {
+    if constexpr (place == Place::First)
+        OneByOne::add(sum, vector, matrix);
+    else
+        OneByOne::add(sum, matrix, vector);
+}
 
 // ---- Lines side by side -----------------------------------------------------
 
 // Neighbouring lines are neighbours in memory: sums of many lines wait in the nearest
 // cache while a few k at a time pass over them, which reads memory in long runs.
-template <class T> struct AdjacentLines {
+template <class T, Place place> struct AdjacentLines {
     static constexpr int size = sizeof(T);
     static constexpr int sums_bytes = 8192;
     static constexpr int at_once = is_complex<T> ? 2 : 4; // k
@@ -80,8 +103,8 @@ template <class T> struct AdjacentLines {
     static void pass(Bytes sums, int lines, const Matrix &a, ConstBytes v) {
         using V = Lanes<typename PartOf<T>::type, Width>;
         constexpr int per_vector = Width / size;
-        Factor<T, Width> factors[N];
-        for (int k = 0; k < N; ++k) factors[k] = Factor<T, Width>::at(v + k * size);
+        Factor<T, Width, place> factors[N];
+        for (int k = 0; k < N; ++k) factors[k] = Factor<T, Width, place>::at(v + k * size);
         int line = 0;
         for (; lines - line >= per_vector; line += per_vector) {
             V sum = load_lanes<V>(sums + line * size);
@@ -93,7 +116,8 @@ template <class T> struct AdjacentLines {
         for (; line < lines; ++line) {
             T sum = load<T>(sums + line * size);
             for (int k = 0; k < N; ++k)
-                OneByOne::add(sum, load<T>(a.element(0, k) + line * size), load<T>(v + k * size));
+                add_product<place>(sum, load<T>(v + k * size),
+                                   load<T>(a.element(0, k) + line * size));
             store(sums + line * size, sum);
         }
     }
@@ -103,7 +127,7 @@ template <class T> struct AdjacentLines {
 
 // As many lines as a vector has lanes are brought together in registers: of reals two k at
 // a time, with one shuffle for each.
-template <class T> struct DenseLines {
+template <class T, Place place> struct DenseLines {
     static constexpr int size = sizeof(T);
     static constexpr int at_once = is_complex<T> ? 1 : 2; // k
     template <int Width> using V = Lanes<typename PartOf<T>::type, Width>;
@@ -134,8 +158,8 @@ template <class T> struct DenseLines {
         ConstBytes a2 = p.a.element(line + 2 * per_vector, 0);
         int k = 0;
         for (; p.kc - k >= at_once; k += at_once) {
-            const auto factor = Factor<T, Width>::at(v);
-            const auto next = Factor<T, Width>::at(v + (at_once - 1) * size);
+            const auto factor = Factor<T, Width, place>::at(v);
+            const auto next = Factor<T, Width, place>::at(v + (at_once - 1) * size);
             add<Width>(s0, a0, p.a.step1, factor, next);
             if constexpr (N > 1) add<Width>(s1, a1, p.a.step1, factor, next);
             if constexpr (N > 2) add<Width>(s2, a2, p.a.step1, factor, next);
@@ -153,7 +177,7 @@ template <class T> struct DenseLines {
 
     template <int Width>
     static void add(V<Width> &sum, ConstBytes a, std::ptrdiff_t line,
-                    const Factor<T, Width> &factor, const Factor<T, Width> &next) {
+                    const Factor<T, Width, place> &factor, const Factor<T, Width, place> &next) {
         constexpr int lines = Width / size;
         if constexpr (lines == 1) {
             factor.add(sum, load_lanes<V<Width>>(a));
@@ -190,13 +214,13 @@ template <class T> struct DenseLines {
 
     static void finish(const LineProduct &p, int line, int k, T sum) {
         for (; k < p.kc; ++k)
-            OneByOne::add(sum, load<T>(p.a.element(line, k)), load<T>(p.v + k * size));
+            add_product<place>(sum, load<T>(p.v + k * size), load<T>(p.a.element(line, k)));
         deliver(p.add, sum, p.c.element(line, 0));
     }
 };
 
 // Integers: the compiler makes vectors of this loop.
-template <std::integral T> struct DenseLines<T> {
+template <std::integral T, Place place> struct DenseLines<T, place> {
     template <int> static void run(const LineProduct &p) {
         for (int line = 0; line < p.lines; ++line) {
             ConstBytes a = p.a.element(line, 0);
@@ -211,17 +235,18 @@ template <std::integral T> struct DenseLines<T> {
 // ---- Calls ------------------------------------------------------------------
 
 // Whether the lines were of a kind that vectors serve, and are done.
-template <class T> bool multiply_lines(const LineProduct &p) {
+template <class T, Place vector> bool multiply_lines(const LineProduct &p) {
     constexpr int few = 8; // so small a product is quicker without vectors
     if constexpr (is_vectorisable<T>) {
         if (p.lines < few || p.kc < few) return false;
+        constexpr Place place = place_for<T>(vector);
         const int width = widest_vectors();
         if (p.a.step1 == bytes<T>(1)) {
-            run_at_width<AdjacentLines<T>>(width, p);
+            run_at_width<AdjacentLines<T, place>>(width, p);
             return true;
         }
         if (p.a.step2 == bytes<T>(1)) {
-            run_at_width<DenseLines<T>>(std::min(width, 32), p);
+            run_at_width<DenseLines<T, place>>(std::min(width, 32), p);
             return true;
         }
     }

@@ -39,7 +39,7 @@ template <> inline constexpr VectorChunks vector_chunks<Complex32> { 128, 2, Beg
 template <class T>
 void inner_1x2(bool add, int columns, int kc, const Matrix &v, const Matrix &b, const Matrix &c) {
     const Matrix lines{b.at, b.step2, b.step1};
-    if (!multiply_lines<T>({add, columns, kc, lines, v.at, {c.at, c.step2, 0}}))
+    if (!multiply_lines<T, Place::First>({add, columns, kc, lines, v.at, {c.at, c.step2, 0}}))
         kernel_1x2<T, OneByOne>(add, columns, kc, v, b, c);
 }
 
@@ -54,7 +54,7 @@ void inner_2x1(bool add, int rows, int kc, const Matrix &a, const Matrix &v, con
     constexpr int at_once = is_complex<T> ? 2 : 4;
     if constexpr (std::is_same_v<T, Real16>)
         inner_2x1_by_pairs(rows, kc, a, v, c);
-    else if (!multiply_lines<T>({add, rows, kc, a, v.at, c}))
+    else if (!multiply_lines<T, Place::Second>({add, rows, kc, a, v.at, c}))
         kernel_2x1<T, OneByOne, at_once>(add, rows, kc, a, v, c);
 }
 
@@ -123,10 +123,16 @@ void engine_2x1(int m, int k, const Matrix &a, const Matrix &v, const Matrix &c)
 // All of K in one sum. C of f90_MatMulMxV with unit stride is promised to carry the running
 // sum, rounded after every k: so is a sum in a register of the element's width.
 template <class T> void whole_1x2(int n, int k, const Matrix &v, const Matrix &b, const Matrix &c) {
-    inner_1x2<T>(false, n, k, v, b, c);
+    if (v.step2 == bytes<T>(1))
+        inner_1x2<T>(false, n, k, v, b, c);
+    else
+        kernel_1x2<T, OneByOne>(false, n, k, v, b, c);
 }
 template <class T> void whole_2x1(int m, int k, const Matrix &a, const Matrix &v, const Matrix &c) {
-    inner_2x1<T>(false, m, k, a, v, c);
+    if (v.step1 == bytes<T>(1))
+        inner_2x1<T>(false, m, k, a, v, c);
+    else
+        kernel_2x1<T, OneByOne, 4>(false, m, k, a, v, c);
 }
 
 } // namespace quill
