@@ -27,7 +27,7 @@ struct AdaptiveLimits {
     bool small_path;
 };
 // clang-format off
-template <class T> constexpr AdaptiveLimits adaptive_limits;
+template <class T> constexpr AdaptiveLimits adaptive_limits{};
 template <> inline constexpr AdaptiveLimits adaptive_limits<Int2>     {8192, 16, 64, 32768, 65536, 8, true};
 template <> inline constexpr AdaptiveLimits adaptive_limits<Real4>    {4096,  8, 32, 16384, 32768, 8, true};
 template <> inline constexpr AdaptiveLimits adaptive_limits<Real8>    {2048,  4, 16,  8192, 16384, 8, true};
@@ -135,35 +135,34 @@ template <class T> constexpr int area_spare = has_tiles<T> ? 256 : 0;
 // Below so many bytes of B nothing is blocked.
 constexpr int small_limit = 16000;
 
-// Block sizes as the engine takes them: as many whole blocks of columns at once as a tile
-// has columns, rows in whole tiles, and everything capped by what the area holds.
-template <class T> Blocks fitted(Blocks blocks, int width) {
+// Block sizes as the engine takes them, and the width of its vectors: as many whole blocks
+// of columns at once as a tile has columns, rows in whole tiles, and everything capped by
+// what the area holds.
+struct Fit {
+    Blocks blocks;
+    int width;
+};
+
+template <class T> Fit fitted(Blocks blocks, int m) {
     constexpr AdaptiveLimits limits = adaptive_limits<T>;
     const int area = area_rows * limits.longest / rounded_up(blocks.longest(), limits.align);
     if constexpr (has_tiles<T>) {
         const int at_once = TileKernel<T, OneByOne>::columns_at_once;
         blocks.columns *= std::max(at_once / blocks.columns, 1);
         blocks.columns = std::min(blocks.columns, area / 4 / 2 * 2);
-        const int tile = rows_of_tile<T>(width);
         const int room = (area - blocks.columns) / 2; // A lies there twice
+        const int width = tile_width<T>(std::min(m, blocks.rows), room);
+        const int tile = rows_of_tile<T>(width);
         blocks.rows = std::min(rounded_up(blocks.rows, tile), room / tile * tile);
+        return {blocks, width};
     } else {
         blocks.columns = std::min(blocks.columns, area / 2 / 2 * 2);
         blocks.rows = std::min(blocks.rows, area - blocks.columns);
-    }
-    return blocks;
-}
-
-// Columns of B as rows of kp elements.
-template <class T> void copy_columns(Bytes to, const Matrix &b, int kc, int columns, int kp) {
-    for (int j = 0; j < columns; ++j, to += bytes<T>(kp)) {
-        if (b.step1 == bytes<T>(1))
-            std::memcpy(to, b.element(0, j), sizeof(T) * static_cast<std::size_t>(kc));
-        else
-            copy_block<T>(to, b.from(0, j), kc, 1);
+        return {blocks, 0};
     }
 }
 
+// Zeros behind kc elements of rows of kp.
 template <class T> void pad(Bytes to, int rows, int kc, int kp) {
     clear<T>({to + bytes<T>(kc), bytes<T>(1), bytes<T>(kp)}, kp - kc, rows);
 }
@@ -204,9 +203,8 @@ void multiply_block(int width, bool add, int rows, int columns, int kp, Bytes ar
 template <class T>
 void blocked_product(Bytes area, int m, int k, int n, const Matrix &a, const Matrix &b,
                      const Matrix &c) {
-    const Blocks derived = blocks_for<T>(k);
-    const int width = has_tiles<T> ? tile_width<T>(std::min(m, derived.rows)) : 0;
-    const Blocks blocks = fitted<T>(derived, width);
+    const Fit fit = fitted<T>(blocks_for<T>(k), m);
+    const Blocks &blocks = fit.blocks;
     const Cut down(m, blocks.rows);
     const Cut right(n, blocks.columns);
     const int half = (right.largest() + 1) / 2;
@@ -222,17 +220,17 @@ void blocked_product(Bytes area, int m, int k, int n, const Matrix &a, const Mat
         const int columns = right.at(visit.column);
         const Halves packed_a{{area + 2 * half * pitch, pitch, bytes<T>(1)},
                               (rows + 1) / 2 * pitch};
-        const Bytes tiles = area + tiles_at<T>(2 * half + down.largest(), kp);
+        Bytes tiles = area + tiles_at<T>(2 * half + down.largest(), kp);
         if (visit.packs_a) {
             trans2<T>(packed_a.first.at, a.from(i0, k0), rows, kc, kp);
-            if constexpr (has_tiles<T>) pack_tiles<T>(width, tiles, packed_a, rows, kp);
+            if constexpr (has_tiles<T>) pack_tiles<T>(fit.width, tiles, packed_a, rows, kp);
         }
         if (visit.copies_b) {
             copy_columns<T>(area, b.from(k0, j0), kc, columns, kp);
             if (padded != visit.chunk) pad<T>(area, 2 * half, kc, kp);
             padded = visit.chunk;
         }
-        multiply_block<T>(width, visit.chunk > 0, rows, columns, kp, area, packed_a, tiles,
+        multiply_block<T>(fit.width, visit.chunk > 0, rows, columns, kp, area, packed_a, tiles,
                           c.from(i0, j0), b.from(k0, visit.next_column * right.size));
     });
 }
@@ -248,11 +246,11 @@ void small_product(Bytes area, int m, int k, int n, const Matrix &a, const Matri
         Matrix columns = b;
         Bytes tile = area;
         if (b.step1 != bytes<T>(1)) {
-            copy_block<T>(area, b, k, n);
+            copy_columns<T>(area, b, k, n, k);
             columns = {area, bytes<T>(1), bytes<T>(k)};
             tile = area + small_limit; // B is smaller
         }
-        const int width = tile_width<T>(m);
+        const int width = tile_width<T>(m, m);
         const int tile_rows = rows_of_tile<T>(width);
         const int in_place = a.step1 == bytes<T>(1) ? m / tile_rows * tile_rows : 0;
         TileProduct in_a{false, in_place, n, k, a.at, a.step2, width, columns, c, {}};

@@ -23,7 +23,7 @@ struct FixedBlocks {
     int left_over;
 };
 // clang-format off
-template <class T> constexpr FixedBlocks fixed_blocks;
+template <class T> constexpr FixedBlocks fixed_blocks{};
 template <> inline constexpr FixedBlocks fixed_blocks<Int1>      {256, 128, 128, 32, 4, 2, 4};
 template <> inline constexpr FixedBlocks fixed_blocks<Int4>      { 96,  96,  64, 16, 4, 4, 4};
 template <> inline constexpr FixedBlocks fixed_blocks<Int8>      { 64,  64,  64,  8, 4, 2, 4};
@@ -53,7 +53,7 @@ struct BlockPass {
 template <class T, class Form>
 void multiply_strip(const BlockPass &pass, int rows, const Matrix &a, const Matrix &c) {
     if constexpr (is_vectorisable<T>) {
-        const int width = tile_width<T>(rows);
+        const int width = tile_width<T>(rows, fixed_blocks<T>.strip);
         pack_tiles<T>(width, pass.strip, alternating(a), rows, pass.kc);
         multiply_tiles<T, Form>(width, pass.add, rows, pass.columns, pass.kc, pass.strip, pass.b,
                                 c);
@@ -77,7 +77,7 @@ void multiply_rows(const BlockPass &pass, int first, int last, const Matrix &a, 
 // B itself where it is dense along k, or its copy in the panel.
 template <class T> Matrix source(Bytes panel, const Matrix &b, int kc, int columns) {
     if (b.step1 == bytes<T>(1)) return b;
-    copy_block<T>(panel, b, kc, columns);
+    copy_columns<T>(panel, b, kc, columns, kc);
     return {panel, bytes<T>(1), bytes<T>(kc)};
 }
 

@@ -126,8 +126,8 @@ template <class T> struct LogicalEngines {
             quill::address(dest), quill::matrix<quill::T>(src, as1, as2), rows, kc);               \
     }                                                                                              \
     void f90_CopyBlock##T(E *dest, E *src, int kc, int columns, int bs1, int bs2) {                \
-        quill::copy_block<quill::T>(quill::address(dest), quill::matrix<quill::T>(src, bs1, bs2),  \
-                                    kc, columns);                                                  \
+        quill::copy_columns<quill::T>(quill::address(dest),                                        \
+                                      quill::matrix<quill::T>(src, bs1, bs2), kc, columns, kc);    \
     }                                                                                              \
     void f90_Inner2x2##T(int acc, int rows, int columns, int kc, E *p, E *b, int bcs, E *c,        \
                          int cs1, int cs2) {                                                       \

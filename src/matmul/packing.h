@@ -73,10 +73,21 @@ template <class T, int R> void convert_block(Bytes to, const Matrix &a, int rows
             for (int r = 0; r < R; ++r, to += bytes<T>(1)) move<T>(to, a.element(i + r, k));
 }
 
-// f90_CopyBlock: kc x columns elements of B, column after column.
-template <class T> void copy_block(Bytes to, const Matrix &b, int kc, int columns) {
-    for (int j = 0; j < columns; ++j)
-        for (int k = 0; k < kc; ++k, to += bytes<T>(1)) move<T>(to, b.element(k, j));
+// Columns of B, kc elements each, `pitch` elements apart; f90_CopyBlock has a pitch of kc.
+template <class T> void copy_columns(Bytes to, const Matrix &b, int kc, int columns, int pitch) {
+    if (is_vectorisable<T> && b.step2 == bytes<T>(1)) {
+        const Matrix rows{to, bytes<T>(pitch), bytes<T>(1)};
+        const Matrix transposed{b.at, b.step2, b.step1};
+        run_at_width<ColumnsToRows<T>>(std::min(widest_vectors(), 32), alternating(rows),
+                                       transposed, columns, kc);
+        return;
+    }
+    for (int j = 0; j < columns; ++j, to += bytes<T>(pitch)) {
+        if (is_vectorisable<T> && b.step1 == bytes<T>(1))
+            std::memcpy(to, b.element(0, j), sizeof(T) * static_cast<std::size_t>(kc));
+        else
+            for (int k = 0; k < kc; ++k) move<T>(to + bytes<T>(k), b.element(k, j));
+    }
 }
 
 // f90_CopyVector: elements `step` bytes apart.

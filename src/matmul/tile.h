@@ -31,10 +31,12 @@ template <class T> constexpr std::ptrdiff_t tile_bytes(int width, int kc) {
     return static_cast<std::ptrdiff_t>(kc) * planes<T> * width;
 }
 
-// The width of vectors for so many rows: the widest, or half of it where that holds all.
-template <class T> int tile_width(int rows) {
+// The width of vectors for so many rows: the widest, or half of it where that holds all, or
+// where there is room for no more.
+template <class T> int tile_width(int rows, int room) {
     const int widest = widest_vectors();
-    return widest == 64 && rows <= rows_of_tile<T>(32) ? 32 : widest;
+    const bool halved = rows <= rows_of_tile<T>(32) || room < rows_of_tile<T>(64);
+    return widest == 64 && halved ? 32 : widest;
 }
 
 // Rows of A in tile order: tile after tile, in it k after k a vector of rows, or one for
@@ -88,7 +90,7 @@ template <class T> struct TilePacker {
 
     template <int Width>
     static void pack_lane(Bytes to, const Halves &a, int row, int first, int last) {
-        const Bytes from = row_of(a, row);
+        Bytes from = row_of(a, row);
         for (int k = first; k < last; ++k)
             put<Width>(to + tile_bytes<T>(Width, k), load<T>(from + k * a.first.step2));
     }
@@ -251,21 +253,26 @@ template <class T, class Form> struct TileKernel {
 
     template <int Width, int N, class V>
     static void deliver_tile(const TileProduct &p, const V *sums, int i, int j) {
-        constexpr int tile_rows = rows_of_tile<T>(Width);
-        const bool dense = p.rows - i >= tile_rows && p.c.step1 == bytes<T>(1);
+        const int rows = std::min(rows_of_tile<T>(Width), p.rows - i);
+        const bool whole = rows == rows_of_tile<T>(Width) && p.c.step1 == bytes<T>(1);
         for (int column = 0; column < N; ++column) {
-            const Bytes c = p.c.element(i, j + column);
+            Bytes c = p.c.element(i, j + column);
             const V *const parts = sums + column * planes<T>;
-            if (!dense) {
-                deliver_lanes<Width>(p.add, parts, c, p.c.step1, std::min(tile_rows, p.rows - i));
-            } else if constexpr (is_complex<T>) {
-                deliver_vector(p.add, interleaved<0>(parts[0], parts[1]), c);
-                deliver_vector(p.add, interleaved<1>(parts[0], parts[1]), c + Width);
-            } else if constexpr (std::is_same_v<T, Lane<T>>) {
-                deliver_vector(p.add, *parts, c);
-            } else {
-                deliver_lanes<Width>(p.add, parts, c, bytes<T>(1), tile_rows);
-            }
+            if (whole)
+                deliver_whole<Width>(p.add, parts, c);
+            else
+                deliver_lanes<Width>(p.add, parts, c, p.c.step1, rows);
+        }
+    }
+
+    template <int Width, class V> static void deliver_whole(bool add, const V *parts, Bytes c) {
+        if constexpr (is_complex<T>) {
+            deliver_vector(add, interleaved<0>(parts[0], parts[1]), c);
+            deliver_vector(add, interleaved<1>(parts[0], parts[1]), c + Width);
+        } else if constexpr (std::is_same_v<T, Lane<T>>) {
+            deliver_vector(add, *parts, c);
+        } else {
+            deliver_lanes<Width>(add, parts, c, bytes<T>(1), rows_of_tile<T>(Width));
         }
     }
 

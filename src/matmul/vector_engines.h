@@ -20,7 +20,7 @@ struct VectorChunks {
     Begin begin;
 };
 // clang-format off
-template <class T> constexpr VectorChunks vector_chunks;
+template <class T> constexpr VectorChunks vector_chunks{};
 template <> inline constexpr VectorChunks vector_chunks<Int1>      {1536, 4, Begin::SplitTail};
 template <> inline constexpr VectorChunks vector_chunks<Int2>      { 512, 4, Begin::ZeroFirst};
 template <> inline constexpr VectorChunks vector_chunks<Int4>      { 256, 4, Begin::WholeTail};
@@ -76,7 +76,7 @@ template <class T> void panel_1x2(int n, int k, const Matrix &v, const Matrix &b
     constexpr VectorChunks sizes = vector_chunks<T>;
     alignas(4) std::byte staging[sizes.chunk * sizeof(T)];
     const auto inner = [&](bool add, int k0, int kc) {
-        const Bytes piece = dense_piece<T>(staging, v.at, v.step2, k0, kc);
+        Bytes piece = dense_piece<T>(staging, v.at, v.step2, k0, kc);
         inner_1x2<T>(add, n, kc, row<T>(piece, 1), b.from(k0, 0), c);
     };
     const int full = k / sizes.chunk * sizes.chunk;
@@ -105,7 +105,7 @@ void engine_2x1(int m, int k, const Matrix &a, const Matrix &v, const Matrix &c)
     constexpr VectorChunks sizes = vector_chunks<T>;
     alignas(4) std::byte staging[sizes.chunk * sizeof(T)];
     const auto inner = [&](bool add, int k0, int kc) {
-        const Bytes piece = dense_piece<T>(staging, v.at, v.step1, k0, kc);
+        Bytes piece = dense_piece<T>(staging, v.at, v.step1, k0, kc);
         inner_2x1<T>(add, m, kc, a.from(0, k0), column<T>(piece, 1), c);
     };
     const int full = k / sizes.chunk * sizes.chunk;
