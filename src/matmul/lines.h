@@ -81,7 +81,7 @@ template <Place place, class T> void add_product(T &sum, const T &vector, const 
 // cache while a few k at a time pass over them, which reads memory in long runs.
 template <class T, Place place> struct AdjacentLines {
     static constexpr int size = sizeof(T);
-    static constexpr int sums_bytes = 8192;
+    static constexpr int sums_bytes = 4096;
     static constexpr int at_once = is_complex<T> ? 2 : 4; // k
 
     template <int Width> static void run(const LineProduct &p) {
