@@ -82,7 +82,8 @@ template <Place place, class T> void add_product(T &sum, const T &vector, const 
 template <class T, Place place> struct AdjacentLines {
     static constexpr int size = sizeof(T);
     static constexpr int sums_bytes = 4096;
-    static constexpr int at_once = is_complex<T> ? 2 : 4; // k
+    static constexpr int at_once = is_complex<T> ? 2 : 8; // k
+    static constexpr int few = at_once / 2;
 
     template <int Width> static void run(const LineProduct &p) {
         constexpr int most = sums_bytes / size;
@@ -93,6 +94,8 @@ template <class T, Place place> struct AdjacentLines {
             int k = 0;
             for (; p.kc - k >= at_once; k += at_once)
                 pass<Width, at_once>(sums, lines, p.a.from(i, k), p.v + bytes<T>(k));
+            for (; p.kc - k >= few; k += few)
+                pass<Width, few>(sums, lines, p.a.from(i, k), p.v + bytes<T>(k));
             for (; k < p.kc; ++k) pass<Width, 1>(sums, lines, p.a.from(i, k), p.v + bytes<T>(k));
             for (int line = 0; line < lines; ++line)
                 deliver(p.add, load<T>(sums + line * size), p.c.element(i + line, 0));
