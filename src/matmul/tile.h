@@ -155,14 +155,15 @@ template <class T, class Form> struct TileKernel {
             across<Width, columns_at_once>(p, a, i, 0);
     }
 
-    // A tile's rows by all columns from j on, N at a time, and the rest by fewer.
+    // A tile's rows by all columns from j on, N at a time (6, 3 or 1; 2 or 1), and the rest
+    // by fewer.
     template <int Width, int N> static void across(TileProduct &p, ConstBytes a, int i, int j) {
         for (; p.columns - j >= N; j += N) {
             Lanes<Lane<T>, Width> sums[N * planes<T>];
             sum<Width, N>(p, a, p.b.element(0, j), sums);
             deliver_tile<Width, N>(p, sums, i, j);
         }
-        if constexpr (N > 1) across<Width, N - 1>(p, a, i, j);
+        if constexpr (N > 1) across<Width, N / 2>(p, a, i, j);
     }
 
     template <int Width, int N, class V>
@@ -185,11 +186,15 @@ template <class T, class Form> struct TileKernel {
             for (int k = 0; k < here; ++k) {
                 const V lanes = load_lanes<V>(a);
                 s0 += times<Width>(lanes, b);
-                if constexpr (N > 1) s1 += times<Width>(lanes, b + column);
-                if constexpr (N > 2) s2 += times<Width>(lanes, b + 2 * column);
-                if constexpr (N > 3) s3 += times<Width>(lanes, b3);
-                if constexpr (N > 4) s4 += times<Width>(lanes, b3 + column);
-                if constexpr (N > 5) s5 += times<Width>(lanes, b3 + 2 * column);
+                if constexpr (N >= 3) {
+                    s1 += times<Width>(lanes, b + column);
+                    s2 += times<Width>(lanes, b + 2 * column);
+                }
+                if constexpr (N == 6) {
+                    s3 += times<Width>(lanes, b3);
+                    s4 += times<Width>(lanes, b3 + column);
+                    s5 += times<Width>(lanes, b3 + 2 * column);
+                }
                 a += a_step;
                 b += sizeof(T);
                 b3 += sizeof(T);
@@ -307,7 +312,8 @@ void multiply_tiles(int width, bool add, int rows, int columns, int kc, ConstByt
     TileProduct product{
         add, rows, columns, kc, a, tile_bytes<T>(width, 1), tile_bytes<T>(width, kc),
         b,   c,    upcoming};
-    run_at_width<TileKernel<T, Form>>(width, product);
+    using FormOfT = std::conditional_t<is_complex<T>, Form, OneByOne>; // others know one
+    run_at_width<TileKernel<T, FormOfT>>(width, product);
 }
 
 } // namespace quill
