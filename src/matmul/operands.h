@@ -8,13 +8,18 @@
 namespace quill {
 
 // A matrix in storage; a vector is one with one row or one column, whose step along
-// the other dimension nobody reads. Steps are in bytes and of either sign.
+// the other dimension nobody reads. Steps are in bytes and of either sign. An empty one may
+// have no address, hence the arithmetic without pointers.
 struct Matrix {
     Bytes at;
     std::ptrdiff_t step1; // from row to row
     std::ptrdiff_t step2; // from column to column
 
-    Bytes element(int i, int j) const { return at + i * step1 + j * step2; }
+    Bytes element(int i, int j) const {
+        const std::ptrdiff_t distance = i * step1 + j * step2;
+        return reinterpret_cast<Bytes>(reinterpret_cast<std::uintptr_t>(at) +
+                                       static_cast<std::uintptr_t>(distance));
+    }
     Matrix from(int i, int j) const { return {element(i, j), step1, step2}; }
 };
 
