@@ -9,7 +9,6 @@
 #include "matmul/tile.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace quill {
 

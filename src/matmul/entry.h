@@ -9,12 +9,6 @@
 
 namespace quill {
 
-// What an entry needs to know of a type: Engines names its Element, and its engines
-// matrix_matrix(m, n, k, a, b, c), vector_matrix(n, k, v, b, c) and matrix_vector(m, k, a,
-// v, c). With entry_sees_to_empty operands the entry sees to empty ones, so that m, n and k
-// are at least 1 in the engine, and first elements are at BASE; otherwise the engine sees to
-// them, and first elements are found from ZERO. Strides count elements, whatever
-// SCALEFACTOR says.
 enum class Case { MatrixMatrix, VectorMatrix, MatrixVector };
 
 inline Case classify(const f90_ArrDesc &a, const f90_ArrDesc &b) {
@@ -54,6 +48,12 @@ inline void check(const f90_ArrDesc &result, const ShapeVector &shape, std::int3
             f90_ArrLibError("MATMUL", 3, &result, report(shape));
 }
 
+// What an entry needs to know of a type: Engines names its Element, and its engines
+// matrix_matrix(m, n, k, a, b, c), vector_matrix(n, k, v, b, c) and matrix_vector(m, k, a,
+// v, c). With entry_sees_to_empty operands the entry sees to empty ones, so that m, n and k
+// are at least 1 in the engine, and first elements are at BASE; otherwise the engine sees to
+// them, and first elements are found from ZERO. Strides count elements, whatever
+// SCALEFACTOR says.
 template <class Engines> Bytes first_element(const f90_ArrDesc &array, int rank) {
     if constexpr (Engines::entry_sees_to_empty) return base(array);
     std::size_t offset = 0;

@@ -7,6 +7,8 @@
 #include "matmul/lines.h"
 #include "matmul/packing.h"
 
+#include <algorithm>
+
 namespace quill {
 
 // How f90_Engine2x1 begins: it clears C and always adds; or the tail is stored, of which a
