@@ -184,6 +184,38 @@ extern QUILLFN_EXPORT f90_Intrinsic f90_dotprl1, f90_dotprl2, f90_dotprl4, f90_d
 extern QUILLFN_EXPORT f90_Intrinsic f90_dotprr4, f90_dotprr8, f90_dotprr10, f90_dotprr16;
 extern QUILLFN_EXPORT f90_Intrinsic f90_dotprc8, f90_dotprc16, f90_dotprc20, f90_dotprc32;
 
+/* ---- Moving elements ------------------------------------------------------ */
+
+/* These move elements by size and look at no type. A name ends with the bytes of an
+ * element, or with n for any other size, which ELSIZE of the first argument tells then.
+ * The result must not share storage with an argument. */
+
+/* CSHIFT(ARRAY, SHIFT, DIM): Arg1 ARRAY, Arg2 SHIFT (32-bit integers; of rank 0, or one for
+ * each line along DIM), Arg3 DIM, 1 when absent. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_cshift1, f90_cshift2, f90_cshift4, f90_cshift8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_cshift10, f90_cshift16, f90_cshift20, f90_cshift32;
+extern QUILLFN_EXPORT f90_Intrinsic f90_cshiftn;
+
+/* EOSHIFT(ARRAY, SHIFT, BOUNDARY, DIM): Arg1 ARRAY, Arg2 SHIFT as of CSHIFT, Arg3 BOUNDARY
+ * (elements; of rank 0, or one for each line along DIM), Arg4 DIM, 1 when absent. Without
+ * BOUNDARY zero bytes move in, in the n member blanks. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_eoshift1, f90_eoshift2, f90_eoshift4, f90_eoshift8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_eoshift10, f90_eoshift16, f90_eoshift20, f90_eoshift32;
+extern QUILLFN_EXPORT f90_Intrinsic f90_eoshiftn;
+
+/* PACK(ARRAY, MASK, VECTOR): Arg1 ARRAY, Arg2 MASK (32-bit words; of rank 0, or of ARRAY's
+ * shape), Arg3 VECTOR. A given result may be longer than what is packed: without VECTOR its
+ * tail is left alone. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_pack1, f90_pack2, f90_pack4, f90_pack8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_pack10, f90_pack16, f90_pack20, f90_pack32;
+extern QUILLFN_EXPORT f90_Intrinsic f90_packn;
+
+/* UNPACK(VECTOR, MASK, FIELD): Arg1 VECTOR, Arg2 MASK (32-bit words), Arg3 FIELD, of rank 0
+ * or of MASK's shape. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_unpack1, f90_unpack2, f90_unpack4, f90_unpack8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_unpack10, f90_unpack16, f90_unpack20, f90_unpack32;
+extern QUILLFN_EXPORT f90_Intrinsic f90_unpackn;
+
 /* ---- MATMUL --------------------------------------------------------------- */
 
 /* MATMUL(MATRIX_A, MATRIX_B): Arg1 MATRIX_A, Arg2 MATRIX_B, both of the entry's type:

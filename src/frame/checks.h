@@ -13,6 +13,12 @@ struct ShapeVector {
     std::int32_t extents[f90_MaxRank];
 };
 
+inline ShapeVector shape_of(const f90_ArrDesc &array) {
+    ShapeVector shape{array.RANK, {}};
+    for (int i = 0; i < array.RANK; ++i) shape.extents[i] = extent(array.Dim[i]);
+    return shape;
+}
+
 // The shape of the first `rank` dimensions of array without dimension `left_out`.
 inline ShapeVector shape_without(const f90_ArrDesc &array, int rank, int left_out) {
     ShapeVector shape{rank - 1, {}};

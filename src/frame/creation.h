@@ -2,9 +2,20 @@
 // f90_CreateArrayM completes it.
 #pragma once
 
-#include "frame/records.h"
+#include "frame/checks.h"
 
 namespace quill {
+
+// Creates a result of this shape, lower bounds 1.
+inline void create(f90_ArrDesc &result, const ShapeVector &shape, std::int32_t elsize) {
+    result.RANK = static_cast<std::int8_t>(shape.count);
+    result.ELSIZE = elsize;
+    for (int i = 0; i < shape.count; ++i) {
+        result.Dim[i].Lower = 1;
+        result.Dim[i].Upper = shape.extents[i];
+    }
+    f90_CreateArrayM(&result);
+}
 
 // Creates the result of a reduction along dimension `left_out` of the first
 // `rank` dimensions of array, lower bounds 1. A left_out that names no dimension

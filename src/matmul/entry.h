@@ -3,7 +3,7 @@
 // writes no element but a zero.
 #pragma once
 
-#include "frame/checks.h"
+#include "frame/creation.h"
 #include "matmul/operands.h"
 #include "matmul/packing.h"
 
@@ -28,16 +28,6 @@ inline ShapeVector wanted_shape(Case which, const f90_ArrDesc &a, const f90_ArrD
     default:
         return {1, {extent(a.Dim[0])}};
     }
-}
-
-inline void create(f90_ArrDesc &result, const ShapeVector &shape, std::int32_t elsize) {
-    result.RANK = static_cast<std::int8_t>(shape.count);
-    result.ELSIZE = elsize;
-    for (int i = 0; i < shape.count; ++i) {
-        result.Dim[i].Lower = 1;
-        result.Dim[i].Upper = shape.extents[i];
-    }
-    f90_CreateArrayM(&result);
 }
 
 inline void check(const f90_ArrDesc &result, const ShapeVector &shape, std::int32_t k,

@@ -1,0 +1,116 @@
+// Moves of elements that are told apart by size alone: of one, of a run, of a section. A size
+// that the name of an entry tells is a template parameter of the loops over a run.
+#pragma once
+
+#include "frame/walk.h"
+
+#include <cstring>
+
+namespace quill {
+
+// ---- Bytes --------------------------------------------------------------------
+
+// Count bytes as the first and the last T of them, which may overlap.
+template <class T> void copy_ends(Bytes to, ConstBytes from, std::size_t count) {
+    T first;
+    T last;
+    std::memcpy(&first, from, sizeof(T));
+    std::memcpy(&last, from + count - sizeof(T), sizeof(T));
+    std::memcpy(to, &first, sizeof(T));
+    std::memcpy(to + count - sizeof(T), &last, sizeof(T));
+}
+
+typedef std::int64_t SixteenBytes __attribute__((vector_size(16)));
+
+// memcpy, in place for few bytes. Steps and sizes vary from call to call, so that it is
+// never known to the compiler how few.
+inline void copy_bytes(Bytes to, ConstBytes from, std::size_t count) {
+    if (count > 64) {
+        std::memcpy(to, from, count);
+    } else if (count > 32) {
+        copy_ends<SixteenBytes[2]>(to, from, count);
+    } else if (count >= 16) {
+        copy_ends<SixteenBytes>(to, from, count);
+    } else if (count >= 8) {
+        copy_ends<std::uint64_t>(to, from, count);
+    } else if (count >= 4) {
+        copy_ends<std::uint32_t>(to, from, count);
+    } else if (count > 0) {
+        copy_ends<std::uint8_t>(to, from, count);
+        to[count / 2] = from[count / 2];
+    }
+}
+
+// ---- Runs of elements -------------------------------------------------------------
+
+// In place of a size that the name of an entry tells: ELSIZE.
+constexpr std::int32_t any_size = 0;
+
+template <std::int32_t Size>
+void move_element(Bytes to, ConstBytes from, [[maybe_unused]] std::int32_t elsize) {
+    if constexpr (Size == any_size)
+        copy_bytes(to, from, static_cast<std::size_t>(elsize));
+    else
+        std::memcpy(to, from, Size);
+}
+
+inline std::size_t bytes_of(std::int32_t count, std::int32_t size) {
+    return static_cast<std::size_t>(count) * static_cast<std::size_t>(size);
+}
+
+// Makes count elements without gaps out of the one at `from`: what stands already is copied
+// on, in parts that stay in the nearest cache.
+template <std::int32_t Size>
+void repeat_element(Bytes to, ConstBytes from, std::int32_t size, std::int32_t count) {
+    constexpr std::size_t near = 4096;
+    const std::size_t bytes = bytes_of(count, size);
+    move_element<Size>(to, from, size);
+    auto part = static_cast<std::size_t>(size);
+    for (std::size_t done = part; done < bytes; done += part) {
+        if (done < near) part = done;
+        if (part > bytes - done) part = bytes - done;
+        copy_bytes(to + done, to, part);
+    }
+}
+
+// Moves count elements, Size bytes or else elsize of each; a from_step of 0 repeats one.
+// Neighbours in dense storage lie elsize apart, also where less of each is moved.
+template <std::int32_t Size>
+void move_run(std::int32_t elsize, Bytes to, std::ptrdiff_t to_step, ConstBytes from,
+              std::ptrdiff_t from_step, std::int32_t count) {
+    constexpr std::int32_t few = 4;
+    const std::int32_t size = Size == any_size ? elsize : Size;
+    if (to_step == elsize && from_step == elsize)
+        return copy_bytes(to, from, bytes_of(count, elsize));
+    if (to_step == size && from_step == 0 && count > few)
+        return repeat_element<Size>(to, from, size, count);
+    for (; count > 0; --count) {
+        move_element<Size>(to, from, elsize);
+        to += to_step;
+        from += from_step;
+    }
+}
+
+// What a family knows of its elements: how runs of them are moved. The loops stand behind
+// an address, so that a family's body serves every size.
+using MoveRun = void(std::int32_t elsize, Bytes to, std::ptrdiff_t to_step, ConstBytes from,
+                     std::ptrdiff_t from_step, std::int32_t count);
+struct Elements {
+    std::int32_t elsize;
+    MoveRun *move_run;
+};
+
+// ---- Sections -------------------------------------------------------------------
+
+// The elements to be moved: their steps where they go, and where they come from.
+using Moves = Nest<2>;
+
+inline void move_section(const Elements &elements, const Moves &moves, Bytes to, Bytes from) {
+    for_each_run(moves, {{to, from}}, [&](const Positions<2> &at, const Run<2> &run) {
+        elements.move_run(elements.elsize, at.at[0], run.step.by[0], at.at[1], run.step.by[1],
+                          run.count);
+        return true;
+    });
+}
+
+} // namespace quill
