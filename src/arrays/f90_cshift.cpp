@@ -27,7 +27,9 @@ Division turned(std::int32_t shift, std::int32_t length) {
     if (shift / 4 >= length || shift / 4 <= -length) shift %= length;
     while (shift < 0) shift += length;
     while (shift >= length) shift -= length;
-    return {{length - shift, shift, 0}, {shift, 0, length - shift}};
+    const Piece straight = {length - shift, shift, 0};
+    const Piece round = {shift, 0, length - shift};
+    return shift <= length / 2 ? Division{straight, round} : Division{round, straight};
 }
 
 void cshift(const f90_ArgList *list, MoveRun *move_run) {
@@ -47,8 +49,9 @@ void cshift(const f90_ArgList *list, MoveRun *move_run) {
                                           .from = source,
                                           .filling = source,
                                           .shift = line_by_line(shift, array, along),
-                                          .shift_varies = is_per_line(shift, array),
-                                          .divide = turned});
+                                          .divide = turned,
+                                          .circular = true,
+                                          .dense = array.NONCONTIG == 0 && result.NONCONTIG == 0});
 }
 
 } // namespace

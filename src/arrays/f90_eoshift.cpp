@@ -6,7 +6,7 @@
 namespace quill {
 namespace {
 
-// An ARRAY of rank 0 has no dimension that DIM could miss.
+// An ARRAY of rank 0 has no dimension that DIM could miss, and DIM is not looked at.
 void check(const f90_ArgList &list, const f90_ArrDesc &array, std::int32_t dim) {
     const std::int32_t rank = array.RANK;
     if (rank != 0 && (dim < 1 || dim > rank)) f90_ArrLibError("EOSHIFT", 1, dim, rank);
@@ -30,9 +30,9 @@ enum class Default { Zeros, Blanks };
 // One element; give_back_default ends its life.
 Operand default_boundary(Default bytes, std::int32_t elsize) {
     static constexpr std::byte zeros[32] = {}; // as long as the longest sized element
-    if (bytes == Default::Zeros) return {const_cast<Bytes>(zeros), {}}; // moves read it
+    if (bytes == Default::Zeros) return {const_cast<Bytes>(zeros), nullptr, 0, 0}; // moves read it
     const auto size = static_cast<std::size_t>(elsize);
-    return {static_cast<Bytes>(std::memset(f90_getspace(size), ' ', size)), {}};
+    return {static_cast<Bytes>(std::memset(f90_getspace(size), ' ', size)), nullptr, 0, 0};
 }
 
 void give_back_default(Default bytes, const Operand &boundary) {
@@ -57,13 +57,15 @@ void shift_within(const Operand &boundary, const f90_ArgList &list, std::int32_t
                                           .from = element_by_element(array, array.ELSIZE),
                                           .filling = boundary,
                                           .shift = line_by_line(shift, array, along),
-                                          .shift_varies = is_per_line(shift, array),
-                                          .divide = shifted});
+                                          .divide = shifted,
+                                          .circular = false,
+                                          .dense = array.NONCONTIG == 0 && result.NONCONTIG == 0 &&
+                                                   boundary.array == nullptr});
 }
 
 void eoshift(const f90_ArgList *list, MoveRun *move_run, Default bytes = Default::Zeros) {
     const f90_ArrDesc &array = descriptor(list->Arg1);
-    const std::int32_t dim = argument_given(*list, 4) ? value(list->Arg4) : 1;
+    const std::int32_t dim = array.RANK != 0 && argument_given(*list, 4) ? value(list->Arg4) : 1;
     if (argument_given(*list, 3)) {
         const Operand boundary = line_by_line(descriptor(list->Arg3), array, dim - 1);
         return shift_within(boundary, *list, dim, move_run);

@@ -9,6 +9,7 @@
 #include "frame/moves.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace quill {
 
@@ -36,33 +37,34 @@ inline void check_per_line(const char *name, int number, const f90_ArrDesc &argu
 
 // ---- Operands ---------------------------------------------------------------------
 
-// An operand as the lines go through it: its first element, and its step along each of
-// ARRAY's dimensions.
+// An operand as lines go through it: its first element, and how it steps along ARRAY's
+// dimensions.
 struct Operand {
     Bytes first;
-    std::ptrdiff_t step[f90_MaxRank];
+    const f90_ArrDesc *array; // null: by the same step along all of them
+    std::int32_t left_out;    // the dimension of ARRAY that the operand does not have
+    std::int32_t same_step;
 };
+
+inline std::ptrdiff_t step(const Operand &operand, int i) {
+    if (operand.array == nullptr) return operand.same_step;
+    if (i == operand.left_out) return 0;
+    return byte_step(*operand.array, i < operand.left_out ? i : i - 1);
+}
 
 // ARRAY or the result. A dense one of a single dimension goes by size, whatever its Stride.
 inline Operand element_by_element(const f90_ArrDesc &array, std::int32_t elsize) {
-    Operand operand = {base(array), {elsize}};
-    if (array.RANK > 1 || array.NONCONTIG != 0)
-        for (int i = 0; i < array.RANK; ++i) operand.step[i] = byte_step(array, i);
-    return operand;
-}
-
-// The length of lines of an ARRAY with elements.
-inline std::int32_t line_length(const f90_ArrDesc &array, int along) {
-    return array.RANK > 1 ? extent(array.Dim[along]) : array.EXTENT;
+    const bool dense_line = array.RANK < 2 && array.NONCONTIG == 0;
+    return {base(array), dense_line ? nullptr : &array, f90_MaxRank, elsize};
 }
 
 // SHIFT or BOUNDARY.
 inline Operand line_by_line(const f90_ArrDesc &argument, const f90_ArrDesc &array, int along) {
-    Operand operand = {base(argument), {}};
-    if (is_per_line(argument, array))
-        for (int r = 0; r < array.RANK - 1; ++r)
-            operand.step[kept_dimension(r, along)] = byte_step(argument, r);
-    return operand;
+    return {base(argument), is_per_line(argument, array) ? &argument : nullptr, along, 0};
+}
+
+inline std::int32_t line_length(const f90_ArrDesc &array, int along) {
+    return array.RANK > 1 ? extent(array.Dim[along]) : array.EXTENT;
 }
 
 // ---- Lines ------------------------------------------------------------------------
@@ -90,9 +92,12 @@ struct Lines {
     Operand from;
     Operand filling;
     Operand shift;
-    bool shift_varies; // from line to line
     Divide *divide;
+    bool circular; // ARRAY itself fills
+    bool dense;    // ARRAY and result, and filling is ARRAY or a single element
 };
+
+// ---- A SHIFT for each line ----------------------------------------------------------
 
 inline std::int32_t shift_at(ConstBytes at) { return static_cast<std::int32_t>(load<Word>(at)); }
 
@@ -103,37 +108,36 @@ inline void move_within(std::int32_t begin, std::int32_t end, const Elements &el
     const std::int32_t first = std::max(begin, piece.to);
     const std::int32_t count = std::min(end, piece.to + piece.count) - first;
     if (count > 0)
-        elements.move_run(elements.elsize, to + first * to_step, to_step,
-                          from + (first - piece.to + piece.from) * from_step, from_step, count);
+        move_run(elements, to + first * to_step, to_step,
+                 from + (first - piece.to + piece.from) * from_step, from_step, count);
 }
 
 // The same of count neighbouring lines and of both pieces.
 inline void move_band(std::int32_t begin, std::int32_t end, const Elements &elements,
-                      const Lines &lines, Positions<4> at, const Steps<4> &step,
+                      const Lines &lines, Positions<4> at, const Steps<4> &to_next,
                       std::int32_t count) {
-    const int along = lines.along;
-    for (; count > 0; --count, advance(at, step, 1)) {
+    const std::ptrdiff_t to_step = step(lines.to, lines.along);
+    const std::ptrdiff_t from_step = step(lines.from, lines.along);
+    const std::ptrdiff_t filling_step = step(lines.filling, lines.along);
+    for (; count > 0; --count, advance(at, to_next, 1)) {
         const auto [kept, filling] = lines.divide(shift_at(at.at[3]), lines.length);
-        move_within(begin, end, elements, kept, at.at[0], lines.to.step[along], at.at[1],
-                    lines.from.step[along]);
-        move_within(begin, end, elements, filling, at.at[0], lines.to.step[along], at.at[2],
-                    lines.filling.step[along]);
+        move_within(begin, end, elements, kept, at.at[0], to_step, at.at[1], from_step);
+        move_within(begin, end, elements, filling, at.at[0], to_step, at.at[2], filling_step);
     }
 }
 
-// Each line by its own SHIFT. Along the first dimension a line goes as a whole. Otherwise its
-// elements lie far apart, and lines that have cache lines in common go together, through a
-// few positions at a time.
+// Along the first dimension a line goes as a whole. Otherwise its elements lie far apart, and
+// lines that have cache lines in common go together, through a few positions at a time.
 inline void move_each_line(const Elements &elements, const Lines &lines) {
-    const int along = lines.along;
-    const std::int32_t window = along == 0 ? lines.length : 64;
-    const std::int32_t band = along == 0 ? 1 : std::max(1, 128 / std::max(1, elements.elsize));
+    const std::int32_t window = lines.along == 0 ? lines.length : 64;
+    const std::int32_t band =
+        lines.along == 0 ? 1 : std::max(1, 128 / std::max(1, elements.elsize));
     Nest<4> nest;
     for (int r = 0; r < lines.array.RANK - 1; ++r) {
-        const int i = kept_dimension(r, along);
+        const int i = kept_dimension(r, lines.along);
         add_dimension(nest, {extent(lines.array.Dim[i]),
-                             {{lines.to.step[i], lines.from.step[i], lines.filling.step[i],
-                               lines.shift.step[i]}}});
+                             {{step(lines.to, i), step(lines.from, i), step(lines.filling, i),
+                               step(lines.shift, i)}}});
     }
     const Positions<4> first = {
         {lines.to.first, lines.from.first, lines.filling.first, lines.shift.first}};
@@ -146,42 +150,94 @@ inline void move_each_line(const Elements &elements, const Lines &lines) {
     });
 }
 
-// The moves that a piece of one line means for the dimensions below lines, too.
-inline Moves moves_below(const Lines &lines, const Piece &piece, const Operand &from) {
+// ---- One SHIFT for all lines --------------------------------------------------------
+
+// The same piece, a run of elements, of all slabs of a run: one of fewer elements than there
+// are slabs goes across them, element by element.
+inline void move_pieces(const Elements &elements, const Run<2> &piece, Bytes to, Bytes from,
+                        const Run<2> &slabs) {
+    const Run<2> &inner = piece.count < slabs.count ? slabs : piece;
+    const Run<2> &outer = piece.count < slabs.count ? piece : slabs;
+    for (std::int32_t i = 0; i < outer.count; ++i)
+        move_run(elements, to + i * outer.step.by[0], inner.step.by[0], from + i * outer.step.by[1],
+                 inner.step.by[1], inner.count);
+}
+
+inline std::int32_t elements_of(const f90_ArrDesc &array, int first_dim, int end_dim) {
+    std::int32_t elements = 1;
+    for (int i = first_dim; i < end_dim; ++i) elements *= extent(array.Dim[i]);
+    return elements;
+}
+
+// Of dense operands, with one boundary. A slab is a line with the dimensions below it, which
+// have `row` bytes at each position. Where little is filled, the kept pieces of some slabs are
+// moved as one, with the room between them, which is filled while the cache holds it.
+inline void move_dense_slabs(const Elements &elements, const Lines &lines) {
+    const auto [kept, filling] = lines.divide(shift_at(lines.shift.first), lines.length);
+    const std::int32_t below = elements_of(lines.array, 0, lines.along);
+    const std::size_t row = bytes_of(below, elements.elsize);
+    const std::size_t slab = bytes_of(lines.length, row);
+    const std::size_t room = bytes_of(filling.count, row);
+    const Run<2> piece = {filling.count * below,
+                          {{elements.elsize, lines.circular ? elements.elsize : 0}}};
+    Bytes to = lines.to.first;
+    Bytes from = lines.from.first;
+    std::int32_t left = elements_of(lines.array, lines.along + 1, lines.array.RANK);
+    const std::int32_t together = left > 1 && room < 256 && slab < 8192 && slab > 0
+                                      ? static_cast<std::int32_t>(16384 / slab)
+                                      : 1;
+    while (left > 0) {
+        const std::int32_t count = std::min(left, together);
+        const std::size_t bytes = bytes_of(count, slab);
+        if (kept.count > 0)
+            copy_bytes(to + bytes_of(kept.to, row), from + bytes_of(kept.from, row), bytes - room);
+        const auto to_step = static_cast<std::ptrdiff_t>(slab);
+        move_pieces(elements, piece, to + bytes_of(filling.to, row),
+                    lines.circular ? from + bytes_of(filling.from, row) : lines.filling.first,
+                    {count, {{to_step, lines.circular ? to_step : 0}}});
+        to += bytes;
+        from += bytes;
+        left -= count;
+    }
+}
+
+// What a piece of a line means for a slab, whatever the steps.
+inline Moves moves_of_slab(const Lines &lines, const Piece &piece, const Operand &from) {
     Moves moves;
     for (int i = 0; i < lines.along; ++i)
-        add_dimension(moves, {extent(lines.array.Dim[i]), {{lines.to.step[i], from.step[i]}}});
-    add_dimension(moves, {piece.count, {{lines.to.step[lines.along], from.step[lines.along]}}});
+        add_dimension(moves, {extent(lines.array.Dim[i]), {{step(lines.to, i), step(from, i)}}});
+    add_dimension(moves, {piece.count, {{step(lines.to, lines.along), step(from, lines.along)}}});
     return moves;
 }
 
-// All lines by one SHIFT, with the dimensions below them at once.
-inline void move_together(const Elements &elements, const Lines &lines, const Division &parts) {
+inline void move_slabs(const Elements &elements, const Lines &lines) {
     const int along = lines.along;
-    const Moves keep = moves_below(lines, parts.kept, lines.from);
-    const Moves fill = moves_below(lines, parts.filling, lines.filling);
+    const Division parts = lines.divide(shift_at(lines.shift.first), lines.length);
+    const Moves keep = moves_of_slab(lines, parts.kept, lines.from);
+    const Moves fill = moves_of_slab(lines, parts.filling, lines.filling);
     Nest<3> above;
     for (int i = along + 1; i < lines.array.RANK; ++i)
         add_dimension(above, {extent(lines.array.Dim[i]),
-                              {{lines.to.step[i], lines.from.step[i], lines.filling.step[i]}}});
+                              {{step(lines.to, i), step(lines.from, i), step(lines.filling, i)}}});
     const Positions<3> first = {{lines.to.first, lines.from.first, lines.filling.first}};
     for_each_run(above, first, [&](Positions<3> at, const Run<3> &run) {
         for (std::int32_t n = 0; n < run.count; ++n, advance(at, run.step, 1)) {
-            move_section(elements, keep, at.at[0] + parts.kept.to * lines.to.step[along],
-                         at.at[1] + parts.kept.from * lines.from.step[along]);
-            move_section(elements, fill, at.at[0] + parts.filling.to * lines.to.step[along],
-                         at.at[2] + parts.filling.from * lines.filling.step[along]);
+            move_section(elements, keep, at.at[0] + parts.kept.to * step(lines.to, along),
+                         at.at[1] + parts.kept.from * step(lines.from, along));
+            move_section(elements, fill, at.at[0] + parts.filling.to * step(lines.to, along),
+                         at.at[2] + parts.filling.from * step(lines.filling, along));
         }
         return true;
     });
 }
 
-// Along the first dimension lines go one by one, since what they consist of is adjacent.
 inline void move_lines(const Elements &elements, const Lines &lines) {
-    if (lines.along == 0 || lines.shift_varies)
+    if (lines.shift.array != nullptr)
         move_each_line(elements, lines);
+    else if (lines.dense)
+        move_dense_slabs(elements, lines);
     else
-        move_together(elements, lines, lines.divide(shift_at(lines.shift.first), lines.length));
+        move_slabs(elements, lines);
 }
 
 } // namespace quill

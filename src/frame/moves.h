@@ -54,7 +54,7 @@ void move_element(Bytes to, ConstBytes from, [[maybe_unused]] std::int32_t elsiz
         std::memcpy(to, from, Size);
 }
 
-inline std::size_t bytes_of(std::int32_t count, std::int32_t size) {
+template <class Size> std::size_t bytes_of(std::int32_t count, Size size) {
     return static_cast<std::size_t>(count) * static_cast<std::size_t>(size);
 }
 
@@ -100,6 +100,11 @@ struct Elements {
     MoveRun *move_run;
 };
 
+inline void move_run(const Elements &elements, Bytes to, std::ptrdiff_t to_step, ConstBytes from,
+                     std::ptrdiff_t from_step, std::int32_t count) {
+    elements.move_run(elements.elsize, to, to_step, from, from_step, count);
+}
+
 // ---- Sections -------------------------------------------------------------------
 
 // The elements to be moved: their steps where they go, and where they come from.
@@ -107,8 +112,7 @@ using Moves = Nest<2>;
 
 inline void move_section(const Elements &elements, const Moves &moves, Bytes to, Bytes from) {
     for_each_run(moves, {{to, from}}, [&](const Positions<2> &at, const Run<2> &run) {
-        elements.move_run(elements.elsize, at.at[0], run.step.by[0], at.at[1], run.step.by[1],
-                          run.count);
+        move_run(elements, at.at[0], run.step.by[0], at.at[1], run.step.by[1], run.count);
         return true;
     });
 }
