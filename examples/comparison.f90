@@ -4,7 +4,8 @@
 module comparison
     implicit none
     private
-    public :: explain_allowance, open_section, compare, judge, exact
+    public :: explain_allowance, print_title, open_section, compare, compare_moved, report_moved, &
+        judge, exact
 
     ! In place of the number of terms: values that nothing rounds, hence equal.
     integer, parameter :: exact = 0
@@ -32,6 +33,14 @@ module comparison
     integer :: pairs = 0
     integer :: differing = 0
 
+    ! Elements that one call moved, in all kinds together.
+    type :: tally
+        character(46) :: call = ''
+        integer :: pairs = 0
+        integer :: differing = 0
+    end type
+    type(tally), allocatable :: moved(:)
+
 contains
 
     subroutine explain_allowance
@@ -53,13 +62,18 @@ contains
             '', &
             'Dot products of REAL(4) and REAL(8) the library sums in the 80-bit extended format and', &
             'rounds once, so there REAL(8) too has one epsilon for each element. Extrema, their', &
-            'places and matrix products, here of whole numbers, are equal in all kinds.'
+            'places, moved elements and matrix products, here of whole numbers, are equal in all kinds.'
     end subroutine
 
     subroutine open_section(title, explanation)
         character(*), intent(in) :: title, explanation
-        print '(/a/a/a/)', title, repeat('-', len(title)), explanation
+        call print_title(title, explanation)
         call print_line('', 'compiler', 'library', '   apart')
+    end subroutine
+
+    subroutine print_title(title, explanation)
+        character(*), intent(in) :: title, explanation
+        print '(/a/a/a/)', title, repeat('-', len(title)), explanation
     end subroutine
 
     subroutine print_line(label, compiler, library, apart)
@@ -113,6 +127,37 @@ contains
         call print_line(label, shown(rule, compiler), shown(rule, library), &
                         trim(distance(rule, difference, abs(compiler)) // &
                              merge('           ', ' <-- DIFFER', agrees)))
+    end subroutine
+
+    ! Compares what a call moved, element by element and bit by bit. The elements come
+    ! as strings of their bytes, of which the first `significant` must be equal.
+    subroutine compare_moved(kind, call, significant, compiler, library)
+        character(*), intent(in) :: kind, call, compiler(:), library(:)
+        integer, intent(in) :: significant
+        type(tally) :: this
+        integer, allocatable :: differ(:)
+        integer :: i, row
+
+        if (size(compiler) /= size(library)) error stop kind // ', ' // call // ': sizes differ'
+        differ = pack([(i, i = 1, size(compiler))], &
+                      compiler(:)(:significant) /= library(:)(:significant))
+        if (size(differ) > 0) print '(2x,4a,*(1x,i0))', kind, ', ', call, ' <-- DIFFER, elements', differ
+        if (.not. allocated(moved)) allocate (moved(0))
+        this = tally(call)
+        row = findloc(moved%call, this%call, dim=1)
+        if (row == 0) then
+            moved = [moved, this]
+            row = size(moved)
+        end if
+        moved(row)%pairs = moved(row)%pairs + size(compiler)
+        moved(row)%differing = moved(row)%differing + size(differ)
+        pairs = pairs + size(compiler)
+        differing = differing + size(differ)
+    end subroutine
+
+    subroutine report_moved
+        print '(2x,a,2a11)', repeat(' ', len(moved%call)), 'elements', 'differing'
+        print '(2x,a,2i11)', moved
     end subroutine
 
     ! Prints the tally; a difference ends the program with status 1.

@@ -1,7 +1,8 @@
 ! Reduces Longley's table of economic series in every numeric kind (sums, products,
-! extrema and their places, dot products, counts and conditions) and multiplies
-! matrices of every kind, once with the compiler's own intrinsics and once with the
-! library, prints both and fails when a pair differs by more than rounding allows.
+! extrema and their places, dot products, counts and conditions), multiplies matrices
+! of every kind and shifts, packs and unpacks the table, once with the compiler's own
+! intrinsics and once with the library, and fails when a pair differs by more than
+! rounding allows.
 ! Then it fits employment by the other series and fails when the widest kind does not
 ! show every certified digit. One procedure for each section.
 program longley
@@ -27,6 +28,13 @@ program longley
     use matrix_products_real8
     use matrix_products_real10
     use matrix_products_real16
+    use moved_character20, only: compare_moves_of_labels => compare_moves
+    use moved_character7
+    use moved_integer4
+    use moved_real4
+    use moved_real8
+    use moved_real10
+    use moved_real16
     use regression
     use regression_real8
     use regression_real10
@@ -70,6 +78,9 @@ program longley
     call dot_products_of_series
     call dot_products_of_changes
     call products_of_moves
+    call changes_from_year_to_year
+    call years_above_mean
+    call moved_elements
     call regression_of_employment
     call judge
 
@@ -148,8 +159,8 @@ contains
 
     subroutine introduce
         integer :: i
-        print '(a)', 'Reductions and matrix products of Longley''s economic series, by the compiler and', &
-            'by libquillfn'
+        print '(a)', 'Reductions, matrix products and moves of Longley''s economic series, by the compiler', &
+            'and by libquillfn'
         print '(/a,i0,a,i0,a,i0,a,i0,3a)', 'The table: ', years, ' years (', int4(1, series), ' to ', &
             int4(years, series), ') by ', series, ' series, from ', table_path(), '.'
         print '()'
@@ -469,6 +480,64 @@ contains
         call compare_products(real(moves, 8), real(periods, 8))
         call compare_products(real(moves, 10), real(periods, 10))
         call compare_products(real(moves, 16), real(periods, 16))
+    end subroutine
+
+    subroutine changes_from_year_to_year
+        character(13) :: labels(years)
+        real(8), dimension(years, series) :: turned, ended, bounded
+        integer :: i
+
+        call print_title('Changes from year to year', &
+            'table - CSHIFT(table, -1), by the library. Before the first year CSHIFT puts the last one,' // &
+            new_line('') // 'EOSHIFT zeros, and EOSHIFT with BOUNDARY=table(1, :) the first year itself.')
+        turned = real8 - library_cshift(real8, -1)
+        ended = real8 - library_eoshift(real8, -1)
+        bounded = real8 - library_eoshift(real8, -1, real8(1, :))
+        labels = year_labels(1)
+        print '(15x,6a13)', adjustr(names(:series - 1))
+        print '(2x,a,6f13.1)', labels(1)(:5) // 'CSHIFT  ', turned(1, :series - 1), &
+            labels(1)(:5) // 'EOSHIFT ', ended(1, :series - 1), &
+            labels(1)(:5) // 'BOUNDARY', bounded(1, :series - 1), &
+            (labels(i), turned(i, :series - 1), i = 2, years)
+    end subroutine
+
+    subroutine years_above_mean
+        character(7), parameter :: gap = '   .'
+        character(7) :: labels(years), spread_out(years)
+        integer :: i, j
+
+        call print_title('Years above the mean of their series', &
+            'PACK(years, table(:, j) > mean), spread over all years again by UNPACK, both by the library.')
+        labels = year_labels(1)
+        do j = 1, series
+            spread_out = library_unpack(library_pack(labels, above(:, j)), above(:, j), gap)
+            if (any(spread_out /= merge(labels, gap, above(:, j)))) &
+                call give_up('years above the mean have changed their places')
+            print '(2x,a,16(1x,a))', names(j), (spread_out(i)(:4), i = 1, years)
+        end do
+    end subroutine
+
+    ! Lags bring the greatest rise of each series to the same row.
+    subroutine moved_elements
+        character(7) :: texts(years, series)
+        character(20) :: labels(years, series)
+        integer(4) :: lags(series)
+
+        lags = maxloc(int4(2:, :) - int4(:years - 1, :), dim=1) - years / 2
+        write (texts, '(i7)') int4
+        labels = spread(names, 1, years) // spread(year_labels(1), 2, series)
+
+        call print_title('Moved elements', &
+            'These calls in each of seven types: INTEGER(4), REAL(4), REAL(8), REAL(10), REAL(16) and' // &
+            new_line('') // 'CHARACTER of 7 and 20. Elements of compiler and library must be equal to the bit.')
+        call compare_moves('INTEGER(4)', int4, above, lags)
+        call compare_moves('REAL(4)', real4, above, lags)
+        call compare_moves('REAL(8)', real8, above, lags)
+        call compare_moves('REAL(10)', real10, above, lags)
+        call compare_moves('REAL(16)', real16, above, lags)
+        call compare_moves('CHARACTER(7)', texts, above, lags)
+        call compare_moves_of_labels('CHARACTER(20)', labels, above, lags)
+        call report_moved
     end subroutine
 
     ! Every term of X'X and X'y is positive, so sums of 16 terms in any two orders are

@@ -14,7 +14,7 @@ module quillfn_records
         integer(c_int32_t) :: Stride
     end type
 
-    ! An array. One whose BASE is null holds no elements yet: `reduce` asks the
+    ! An array. One whose BASE is null holds no elements yet: the calls below ask the
     ! library to create it.
     type, bind(C) :: f90_ArrDesc
         type(c_ptr) :: ZERO = c_null_ptr
@@ -77,6 +77,11 @@ module quillfn_records
         f90_matmuli1, f90_matmuli2, f90_matmuli4, f90_matmuli8, &
         f90_matmull1, f90_matmull2, f90_matmull4, f90_matmull8, &
         f90_matmulr4, f90_matmulr8, f90_matmulr10, f90_matmulr16
+    procedure(f90_Intrinsic), bind(C) :: &
+        f90_cshift4, f90_cshift8, f90_cshift16, f90_cshift20, f90_cshiftn, &
+        f90_eoshift4, f90_eoshift8, f90_eoshift16, f90_eoshift20, f90_eoshiftn, &
+        f90_pack4, f90_pack8, f90_pack16, f90_pack20, f90_packn, &
+        f90_unpack4, f90_unpack8, f90_unpack16, f90_unpack20, f90_unpackn
 
     interface
         subroutine f90_freespace(space) bind(C)
@@ -87,38 +92,32 @@ module quillfn_records
 
     ! ---- Records of Fortran data --------------------------------------------
 
-    ! The descriptor of a scalar or of an array of any type. Of an array it takes
-    ! sections as they lie in storage; there must be elements, and the caller's
-    ! variable must have TARGET for as long as the descriptor is used.
-    interface describe
-        module procedure describe_scalar, describe_vector, describe_matrix
-    end interface
-
-    private :: describe_scalar, describe_vector, describe_matrix, descriptor, address_of, word
+    private :: descriptor, address_of, bytes_of, word
 
 contains
 
-    function describe_scalar(scalar) result(array)
-        class(*), intent(in), target :: scalar
-        type(f90_ArrDesc) :: array
-        array = descriptor(address_of(scalar), storage_size(scalar) / 8, [integer ::], &
-                           [integer(c_intptr_t) ::])
-    end function
-
-    function describe_vector(vector) result(array)
-        class(*), intent(in), target :: vector(:)
-        type(f90_ArrDesc) :: array
-        array = descriptor(address_of(vector(1)), storage_size(vector) / 8, shape(vector), &
-                           [address_of(vector(min(2, size(vector))))])
-    end function
-
-    function describe_matrix(matrix) result(array)
-        class(*), intent(in), target :: matrix(:, :)
+    ! The descriptor of a scalar, vector or matrix of any type. Of an array it takes
+    ! sections as they lie in storage; there must be elements, and the caller's
+    ! variable must have TARGET for as long as the descriptor is used.
+    function describe(variable) result(array)
+        class(*), intent(in), target :: variable(..)
         type(f90_ArrDesc) :: array
         integer :: next(2)
-        next = min(2, shape(matrix))
-        array = descriptor(address_of(matrix(1, 1)), storage_size(matrix) / 8, shape(matrix), &
-                           [address_of(matrix(next(1), 1)), address_of(matrix(1, next(2)))])
+
+        select rank (variable)
+        rank (0)
+            array = descriptor(address_of(variable), bytes_of(variable), [integer ::], &
+                               [integer(c_intptr_t) ::])
+        rank (1)
+            array = descriptor(address_of(variable(1)), bytes_of(variable(1)), shape(variable), &
+                               [address_of(variable(min(2, size(variable))))])
+        rank (2)
+            next = min(2, shape(variable))
+            array = descriptor(address_of(variable(1, 1)), bytes_of(variable(1, 1)), shape(variable), &
+                               [address_of(variable(next(1), 1)), address_of(variable(1, next(2)))])
+        rank default
+            error stop 'describe: a scalar, a vector or a matrix is needed'
+        end select
     end function
 
     ! From the addresses of the first element and of its neighbour along each
@@ -162,6 +161,18 @@ contains
         type(*), intent(in), target :: variable
         integer(c_intptr_t) :: address
         address = transfer(c_loc(variable), address)
+    end function
+
+    ! gfortran's STORAGE_SIZE passes over the length of a string of no declared type.
+    function bytes_of(element) result(bytes)
+        class(*), intent(in) :: element
+        integer :: bytes
+        select type (element)
+        type is (character(*))
+            bytes = len(element)
+        class default
+            bytes = storage_size(element) / 8
+        end select
     end function
 
     ! ---- Calls --------------------------------------------------------------
@@ -217,20 +228,31 @@ contains
         end if
     end subroutine
 
-    ! Calls MATMUL: Arg1 and Arg2 are the matrices, or one of them a vector. The result
-    ! goes where that of reduce goes.
-    subroutine multiply_matrices(entry, matrix_a, matrix_b, answer)
+    ! Calls MATMUL or an intrinsic that moves elements: Arg1, Arg2 and, where there is
+    ! one, Arg3 are arrays or scalars; DIM is Arg3 of some and Arg4 of others. The
+    ! result goes where that of reduce goes.
+    subroutine transform(entry, arg1, arg2, answer, arg3, dim3, dim4)
         procedure(f90_Intrinsic) :: entry
-        type(f90_ArrDesc), intent(in), target :: matrix_a, matrix_b
+        type(f90_ArrDesc), intent(in), target :: arg1, arg2
         type(f90_ArrDesc), intent(inout), target :: answer
+        type(f90_ArrDesc), intent(in), target, optional :: arg3
+        integer(c_int32_t), intent(in), optional :: dim3, dim4
         type(f90_ArgList) :: arguments
 
         arguments%Flags = check_shapes
         arguments%Presence = ior(arg1_present, arg2_present)
         arguments%Result%Word0 = word(answer)
         if (c_associated(answer%BASE)) arguments%Presence = ior(arguments%Presence, result_given)
-        arguments%Arg1%Word0 = word(matrix_a)
-        arguments%Arg2%Word0 = word(matrix_b)
+        arguments%Arg1%Word0 = word(arg1)
+        arguments%Arg2%Word0 = word(arg2)
+        if (present(arg3)) arguments%Arg3%Word0 = word(arg3)
+        if (present(dim3)) arguments%Arg3%Word0 = dim3
+        if (present(arg3) .or. present(dim3)) &
+            arguments%Presence = ior(arguments%Presence, arg3_present)
+        if (present(dim4)) then
+            arguments%Arg4%Word0 = dim4
+            arguments%Presence = ior(arguments%Presence, arg4_present)
+        end if
         call entry(arguments)
     end subroutine
 
