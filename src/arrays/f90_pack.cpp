@@ -174,7 +174,7 @@ void fill_from_vector(const Packing &packing, std::int32_t packed, std::int32_t 
 
 // Gives a provisional result its final size, in storage of its own.
 void finish(f90_ArrDesc &result, std::int32_t size) {
-    const Bytes provisional = base(result);
+    Bytes provisional = base(result);
     result.Dim[0].Upper = size;
     f90_CreateArrayM(&result);
     copy_bytes(base(result), provisional, bytes_of(size, result.ELSIZE));

@@ -93,7 +93,7 @@ requires(Size <= 2) struct Row<Size> {
     }
     [[gnu::target("avx2"), gnu::always_inline]] static Vector chosen(std::uint32_t set, Vector row,
                                                                      Vector other) {
-        const __m128i ones = _mm_set_epi32(0, 0, 0x80402010, 0x08040201);
+        const __m128i ones = _mm_setr_epi8(1, 2, 4, 8, 16, 32, 64, -128, 0, 0, 0, 0, 0, 0, 0, 0);
         const __m128i bits = Size == 1 ? ones : _mm_unpacklo_epi8(ones, ones);
         const __m128i found = _mm_and_si128(_mm_set1_epi8(static_cast<char>(set)), bits);
         return _mm_blendv_epi8(other, row, _mm_cmpeq_epi8(found, bits));
