@@ -3,7 +3,6 @@
 // moved into its own: only the checks count MASK beforehand.
 #include "arrays/groups.h"
 #include "frame/creation.h"
-#include "frame/isa.h"
 #include "frame/moves.h"
 
 namespace quill {
@@ -11,9 +10,9 @@ namespace {
 
 // ---- Blocks -----------------------------------------------------------------------------
 
-// Moves the elements that a block selects; returns how many.
-using PackBlock = std::int32_t(const Truth &truth, std::int32_t elsize, Bytes to,
-                               std::ptrdiff_t to_step, ConstBytes from, std::ptrdiff_t from_step);
+// Moves the elements that a block selects.
+using PackBlock = void(const Truth &truth, std::int32_t elsize, Bytes to, std::ptrdiff_t to_step,
+                       ConstBytes from, std::ptrdiff_t from_step);
 
 // Which position of a group each packed element comes from.
 constexpr Orders pack_orders = [] {
@@ -23,7 +22,12 @@ constexpr Orders pack_orders = [] {
             if ((set >> from & 1U) != 0) orders[set][to++] = static_cast<std::uint8_t>(from);
     return orders;
 }();
-constexpr HalfOrders pack_half_orders = half_orders(pack_orders);
+template <std::int32_t Size> constexpr auto pack_lane_orders = lane_orders<Size>(pack_orders);
+
+template <std::int32_t Size> const Order &order_of(std::uint32_t set) {
+    if constexpr (Size > 4) return pack_lane_orders<Size>[set];
+    return pack_orders[set];
+}
 
 // Packs `groups` whole groups of dense elements; returns how many elements.
 template <std::int32_t Size>
@@ -35,7 +39,7 @@ template <std::int32_t Size>
         std::uint32_t sets = group_bits(truth, g);
         for (std::int32_t part = 0; part < group; part += positions) {
             const std::uint32_t set = sets & ((1U << positions) - 1U);
-            const Order &order = Size == 8 ? pack_half_orders[set] : pack_orders[set];
+            const Order &order = order_of<Size>(set);
             Row<Size>::store(next, Row<Size>::ordered(Row<Size>::load(from), order));
             next += __builtin_popcount(set) * Size;
             from += positions * Size;
@@ -45,22 +49,39 @@ template <std::int32_t Size>
     return (next - to) / Size;
 }
 
+// Packs a block, or the rest of it from position `first` on.
 template <std::int32_t Size>
-std::int32_t pack_block(const Truth &truth, std::int32_t elsize, Bytes to, std::ptrdiff_t to_step,
-                        ConstBytes from, std::ptrdiff_t from_step) {
-    std::int32_t groups = 0;
-    std::int32_t packed = 0;
+[[gnu::always_inline]] inline void
+pack_positions(const Truth &truth, std::int32_t first, std::int32_t elsize, Bytes to,
+               std::ptrdiff_t to_step, ConstBytes from, std::ptrdiff_t from_step) {
+    if (is_sparse(truth)) {
+        for_each_true(truth, first, [&](std::int32_t position) {
+            move_element<Size>(to, from + position * from_step, elsize);
+            to += to_step;
+        });
+    } else { // what is not selected is overwritten by what is, up to the last selected one
+        from += first * from_step;
+        for_each_position(truth, first, end_of_trues(truth), [&](std::uint32_t selected) {
+            move_element<Size>(to, from, elsize);
+            to += to_step & static_cast<std::ptrdiff_t>(selected);
+            from += from_step;
+        });
+    }
+}
+
+template <std::int32_t Size>
+void pack_block(const Truth &truth, std::int32_t elsize, Bytes to, std::ptrdiff_t to_step,
+                ConstBytes from, std::ptrdiff_t from_step) {
     if constexpr (has_rows<Size>) {
-        if (to_step == Size && from_step == Size && has_avx2()) {
-            groups = whole_groups(truth);
-            packed = pack_groups<Size>(truth, groups, to, from);
+        if (to_step == Size && from_step == Size && take_rows(truth)) {
+            const std::int32_t groups = whole_groups(truth);
+            to += pack_groups<Size>(truth, groups, to, from) * Size;
+            return pack_positions<Size>(truth, groups * group, elsize, to, Size, from, Size);
         }
     }
-    for_each_true(truth, groups * group, [&](std::int32_t position) {
-        move_element<Size>(to + packed * to_step, from + position * from_step, elsize);
-        ++packed;
-    });
-    return packed;
+    if (Size != any_size && to_step == Size && from_step == Size)
+        return pack_positions<Size>(truth, 0, elsize, to, Size, from, Size);
+    pack_positions<Size>(truth, 0, elsize, to, to_step, from, from_step);
 }
 
 // ---- The call ---------------------------------------------------------------------------
@@ -81,7 +102,7 @@ const f90_ArrDesc *vector_in_use(const f90_ArgList &list) {
 
 bool selects_all(const f90_ArrDesc &scalar_mask) { return load<Word>(base(scalar_mask)) != 0; }
 
-Cursor walk(const Packing &packing, const f90_ArrDesc &operand, std::int32_t size) {
+[[gnu::always_inline]] inline Cursor walk(const Packing &packing, const f90_ArrDesc &operand, std::int32_t size) {
     return packing.walked ? walk_over(operand) : walk_along(base(operand), size, operand.EXTENT);
 }
 
@@ -98,7 +119,7 @@ std::int32_t count_selected(const Packing &packing) {
     std::int32_t todo = packing.mask.EXTENT;
     while (const std::int32_t count = std::min({todo, mask.left, Truth::most})) {
         read_truth(truth, mask, count);
-        selected += count_true(truth);
+        selected += truth.trues;
         advance(mask, count);
         todo -= count;
     }
@@ -150,8 +171,9 @@ std::int32_t pack_selected(const Packing &packing, PackBlock *pack_block) {
     std::int32_t todo = packing.mask.EXTENT;
     while (const std::int32_t count = std::min({todo, mask.left, array.left, Truth::most})) {
         read_truth(truth, mask, count);
-        packed += pack_block(truth, elsize, base(packing.result) + packed * to_step, to_step,
-                             array.at, array.step());
+        pack_block(truth, elsize, base(packing.result) + packed * to_step, to_step, array.at,
+                   array.step());
+        packed += truth.trues;
         advance(mask, count);
         advance(array, count);
         todo -= count;

@@ -3,7 +3,6 @@
 // checks rule out, go side by side in their own orders until MASK or the result ends.
 #include "arrays/groups.h"
 #include "frame/creation.h"
-#include "frame/isa.h"
 #include "frame/moves.h"
 
 namespace quill {
@@ -17,10 +16,9 @@ struct Source {
     std::ptrdiff_t step;
 };
 
-// Makes the part of the result that belongs to a block, from field all over and then from
-// vector at the true positions; returns how many elements of vector that took.
-using UnpackBlock = std::int32_t(const Truth &truth, std::int32_t elsize, Bytes to,
-                                 std::ptrdiff_t to_step, const Source &vector, const Source &field);
+// Makes the part of the result that belongs to a block.
+using UnpackBlock = void(const Truth &truth, std::int32_t elsize, Bytes to, std::ptrdiff_t to_step,
+                         Source vector, const Source &field);
 
 // Which of the packed elements each position of a group takes, if it is true.
 constexpr Orders unpack_orders = [] {
@@ -30,7 +28,12 @@ constexpr Orders unpack_orders = [] {
             orders[set][to] = static_cast<std::uint8_t>(from);
     return orders;
 }();
-constexpr HalfOrders unpack_half_orders = half_orders(unpack_orders);
+template <std::int32_t Size> constexpr auto unpack_lane_orders = lane_orders<Size>(unpack_orders);
+
+template <std::int32_t Size> const Order &order_of(std::uint32_t set) {
+    if constexpr (Size > 4) return unpack_lane_orders<Size>[set];
+    return unpack_orders[set];
+}
 
 // Unpacks `groups` whole groups of dense elements; returns how many elements of vector. From
 // one group of field to the next are field_step bytes.
@@ -44,7 +47,7 @@ template <std::int32_t Size>
         std::uint32_t sets = group_bits(truth, g);
         for (std::int32_t part = 0; part < group; part += positions) {
             const std::uint32_t set = sets & ((1U << positions) - 1U);
-            const Order &order = Size == 8 ? unpack_half_orders[set] : unpack_orders[set];
+            const Order &order = order_of<Size>(set);
             Row<Size>::store(to, Row<Size>::chosen(set,
                                                    Row<Size>::ordered(Row<Size>::load(next), order),
                                                    Row<Size>::load(field + part * Size)));
@@ -57,29 +60,53 @@ template <std::int32_t Size>
     return (next - vector) / Size;
 }
 
+// Unpacks a block, or the rest of it from position `first` on; to and field are those of the
+// block, vector has the next element.
 template <std::int32_t Size>
-std::int32_t unpack_block(const Truth &truth, std::int32_t elsize, Bytes to, std::ptrdiff_t to_step,
-                          const Source &vector, const Source &field) {
-    std::int32_t groups = 0;
-    std::int32_t taken = 0;
-    if constexpr (has_rows<Size>) {
+[[gnu::always_inline]] inline void
+unpack_positions(const Truth &truth, std::int32_t first, std::int32_t elsize, Bytes to,
+                 std::ptrdiff_t to_step, Source vector, Source field) {
+    if (is_sparse(truth)) { // field all over, and vector on it
+        move_run<Size>(elsize, to + first * to_step, to_step, field.at + first * field.step,
+                       field.step, truth.positions - first);
+        for_each_true(truth, first, [&](std::int32_t position) {
+            move_element<Size>(to + position * to_step, vector.at, elsize);
+            vector.at += vector.step;
+        });
+    } else {
+        to += first * to_step;
+        field.at += first * field.step;
+        for_each_position(truth, first, truth.positions, [&](std::uint32_t wanted) {
+            const auto chosen = static_cast<std::ptrdiff_t>(wanted);
+            move_element<Size>(to, field.at + ((vector.at - field.at) & chosen), elsize);
+            to += to_step;
+            vector.at += vector.step & chosen;
+            field.at += field.step;
+        });
+    }
+}
+
+template <std::int32_t Size>
+void unpack_block(const Truth &truth, std::int32_t elsize, Bytes to, std::ptrdiff_t to_step,
+                  Source vector, const Source &field) {
+    std::int32_t first = 0;
+    if constexpr (has_rows<Size> || Size == 16) {
         if (to_step == Size && vector.step == Size && (field.step == Size || field.step == 0) &&
-            has_avx2()) {
+            take_rows(truth) && (Size < 16 || !is_sparse(truth))) {
             std::byte repeated[group * Size];
-            if (field.step == 0) move_run<Size>(Size, repeated, Size, field.at, 0, group);
-            groups = whole_groups(truth);
-            taken = unpack_groups<Size>(truth, groups, to, vector.at,
-                                        field.step == 0 ? repeated : field.at, field.step * group);
+            for (std::int32_t i = 0; i < group; ++i)
+                move_element<Size>(repeated + i * Size, field.at, elsize);
+            const std::int32_t groups = whole_groups(truth);
+            vector.at += Size * unpack_groups<Size>(truth, groups, to, vector.at,
+                                                    field.step == 0 ? repeated : field.at,
+                                                    field.step * group);
+            first = groups * group;
         }
     }
-    const std::int32_t first = groups * group;
-    move_run<Size>(elsize, to + first * to_step, to_step, field.at + first * field.step, field.step,
-                   truth.positions - first);
-    for_each_true(truth, first, [&](std::int32_t position) {
-        move_element<Size>(to + position * to_step, vector.at + taken * vector.step, elsize);
-        ++taken;
-    });
-    return taken;
+    if (Size != any_size && to_step == Size && vector.step == Size && field.step == Size)
+        return unpack_positions<Size>(truth, first, elsize, to, Size, {vector.at, Size},
+                                      {field.at, Size});
+    unpack_positions<Size>(truth, first, elsize, to, to_step, vector, field);
 }
 
 // ---- The call ---------------------------------------------------------------------------
@@ -146,8 +173,8 @@ void unpack_all(const Unpacking &unpacking, UnpackBlock *unpack_block) {
     while (const std::int32_t count =
                std::min({todo, result.left, mask.left, field.left, Truth::most})) {
         read_truth(truth, mask, count);
-        vector.at += vector.step * unpack_block(truth, elsize, result.at, result.step(), vector,
-                                                {field.at, field.step()});
+        unpack_block(truth, elsize, result.at, result.step(), vector, {field.at, field.step()});
+        vector.at += truth.trues * vector.step;
         advance(result, count);
         advance(mask, count);
         advance(field, count);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "arrays/truth.h"
+#include "frame/isa.h"
 
 #include <array>
 #include <immintrin.h>
@@ -14,9 +15,13 @@ namespace quill {
 
 constexpr std::int32_t group = 8;
 
+// A group's bits are a byte of the words, which have their lowest byte first.
 inline std::uint32_t group_bits(const Truth &truth, std::int32_t g) {
-    return truth.words[g / 4] >> g % 4 * group & 0xFFU;
+    return reinterpret_cast<const std::uint8_t *>(truth.words)[g];
 }
+
+// Short blocks are not worth the change to wide vectors.
+inline bool take_rows(const Truth &truth) { return truth.positions >= 4 * group && has_avx2(); }
 
 // How many of the first groups can be taken whole.
 [[gnu::target("avx2")]] inline std::int32_t whole_groups(const Truth &truth) {
@@ -28,18 +33,19 @@ inline std::uint32_t group_bits(const Truth &truth, std::int32_t g) {
 
 // ---- Orders ---------------------------------------------------------------------------
 
-// Which lane each lane of a vector is taken from, for every set of true positions.
+// For every set of true positions in a group, which place each place is filled from.
 using Order = std::array<std::uint8_t, group>;
 using Orders = std::array<Order, 256>;
-using HalfOrders = std::array<Order, 16>;
 
-// For elements of 8 bytes, of which a vector holds half a group: their lanes go in pairs.
-constexpr HalfOrders half_orders(const Orders &orders) {
-    HalfOrders halves{};
-    for (std::size_t set = 0; set < halves.size(); ++set)
+// The places of elements of Size bytes that a vector holds `positions` of, as its lanes.
+template <std::int32_t Size> constexpr auto lane_orders(const Orders &orders) {
+    constexpr std::size_t lanes = Size / 4;
+    std::array<Order, 1U << (group / lanes)> lane_orders{};
+    for (std::size_t set = 0; set < lane_orders.size(); ++set)
         for (std::size_t i = 0; i < group; ++i)
-            halves[set][i] = static_cast<std::uint8_t>(orders[set][i / 2] * 2 + i % 2);
-    return halves;
+            lane_orders[set][i] =
+                static_cast<std::uint8_t>(orders[set][i / lanes] * lanes + i % lanes);
+    return lane_orders;
 }
 
 // ---- Vectors --------------------------------------------------------------------------
@@ -63,8 +69,9 @@ template <std::int32_t Size> struct Row {
     // `row` in the positions of set, `other` elsewhere.
     [[gnu::target("avx2"), gnu::always_inline]] static Vector chosen(std::uint32_t set, Vector row,
                                                                      Vector other) {
-        const __m256i bits = Size == 8 ? _mm256_setr_epi32(1, 1, 2, 2, 4, 4, 8, 8)
-                                       : _mm256_setr_epi32(1, 2, 4, 8, 16, 32, 64, 128);
+        const __m256i bits = Size == 4   ? _mm256_setr_epi32(1, 2, 4, 8, 16, 32, 64, 128)
+                             : Size == 8 ? _mm256_setr_epi32(1, 1, 2, 2, 4, 4, 8, 8)
+                                         : _mm256_setr_epi32(1, 1, 1, 1, 2, 2, 2, 2);
         const __m256i found = _mm256_and_si256(_mm256_set1_epi32(static_cast<int>(set)), bits);
         return _mm256_blendv_epi8(other, row, _mm256_cmpeq_epi32(found, bits));
     }
