@@ -6,7 +6,7 @@ FILTER ?=
 
 library_packages := g++ g++-multilib cmake ninja-build
 fortran_packages := $(library_packages) gfortran gfortran-multilib
-test_packages    := $(library_packages) googletest binutils pkg-config
+test_packages    := $(fortran_packages) googletest binutils pkg-config
 
 .DEFAULT_GOAL := library
 .PHONY: library demo test bench install check sanitize format tidy coverage clean help
