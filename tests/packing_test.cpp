@@ -51,7 +51,7 @@ void try_call(Random &random, int k, bool unpack) {
     Shape extents = unpack && !create && !checked ? random_shape(random) : other; // of the result
     Operand array(random, k, unpack && scalar ? Shape{} : shape, spaced & 1);
     Operand mask(random, 2, !unpack && scalar ? Shape{} : other, spaced & 2);
-    const bool high = unpack && mask.descriptor.NONCONTIG && coin(random); // true bits
+    const bool high = unpack && mask.descriptor.NONCONTIG && coin(random); // true words lack bit 0
     std::vector<int> words(std::min(elements(shape), unpack ? elements(extents) : ~0U));
     const int share = std::array{0, 1, 32, 63, 64}[pick(random, 0, 4)];
     const int run = mask.shape.empty() ? INT32_MAX : coin(random) ? 1 : pick(random, 1, 99);
@@ -63,7 +63,7 @@ void try_call(Random &random, int k, bool unpack) {
     const int n = words.size(), count = n - std::count(words.begin(), words.end(), 0);
     const int length = !unpack && coin(random) ? 0 : count + spare;
     Operand vector(random, k, {unpack ? count : count + spare}, spaced & 4);
-    vector.descriptor.EXTENT = high ? 0 : length; // where MASK is not dense, low bits count
+    vector.descriptor.EXTENT = high ? 0 : length; // by bits 0, which the check counts
     if (!unpack) extents = {length > 0 ? length : count + (create ? 0 : spare)};
     Operand given(random, k, extents, spaced & 8);
     result.given = given;
@@ -105,7 +105,7 @@ TEST(Packing, ChecksInOrder) {
         " The shape of argument MASK is:  (0, 1).\n The shape of argument FIELD is: (1, 0).\n";
     const std::vector<int> all(6, 2), some = {2, 3, 3, 0};
     struct {
-        int unpack, walked, length; // no PACK; NONCONTIG of MASK; EXTENT of VECTOR
+        int unpack, walked, length; // a flag; NONCONTIG of MASK; EXTENT of VECTOR
         Shape array, mask, result;  // of ARRAY or FIELD; scalars, and results to create, have none
         std::vector<int> words;
         std::string message;

@@ -2,6 +2,7 @@
 // i - SHIFT modulo the length of the line. What is left free is filled from the line's other
 // end. No storage is taken.
 #include "arrays/lines.h"
+#include "frame/creation.h"
 
 namespace quill {
 namespace {

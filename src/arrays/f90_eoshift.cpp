@@ -2,6 +2,7 @@
 // leave. Without BOUNDARY zero bytes fill it; in the n member blanks, which take storage for
 // the time of a call. DIM too is checked only where Flags asks for it.
 #include "arrays/lines.h"
+#include "frame/creation.h"
 
 namespace quill {
 namespace {

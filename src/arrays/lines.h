@@ -4,12 +4,10 @@
 #pragma once
 
 #include "frame/checks.h"
-#include "frame/creation.h"
 #include "frame/elements.h"
 #include "frame/moves.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace quill {
 
