@@ -22,12 +22,6 @@ constexpr Orders pack_orders = [] {
             if ((set >> from & 1U) != 0) orders[set][to++] = static_cast<std::uint8_t>(from);
     return orders;
 }();
-template <std::int32_t Size> constexpr auto pack_lane_orders = lane_orders<Size>(pack_orders);
-
-template <std::int32_t Size> const Order &order_of(std::uint32_t set) {
-    if constexpr (Size > 4) return pack_lane_orders<Size>[set];
-    return pack_orders[set];
-}
 
 // Packs `groups` whole groups of dense elements; returns how many elements.
 template <std::int32_t Size>
@@ -39,7 +33,7 @@ template <std::int32_t Size>
         std::uint32_t sets = group_bits(truth, g);
         for (std::int32_t part = 0; part < group; part += positions) {
             const std::uint32_t set = sets & ((1U << positions) - 1U);
-            const Order &order = order_of<Size>(set);
+            const Order &order = order_of<pack_orders, Size>(set);
             Row<Size>::store(next, Row<Size>::ordered(Row<Size>::load(from), order));
             next += __builtin_popcount(set) * Size;
             from += positions * Size;
@@ -102,10 +96,6 @@ const f90_ArrDesc *vector_in_use(const f90_ArgList &list) {
 
 bool selects_all(const f90_ArrDesc &scalar_mask) { return load<Word>(base(scalar_mask)) != 0; }
 
-[[gnu::always_inline]] inline Cursor walk(const Packing &packing, const f90_ArrDesc &operand, std::int32_t size) {
-    return packing.walked ? walk_over(operand) : walk_along(base(operand), size, operand.EXTENT);
-}
-
 std::ptrdiff_t step(const Packing &packing, const f90_ArrDesc &rank_1_operand) {
     return packing.walked ? byte_step(rank_1_operand, 0) : packing.array.ELSIZE;
 }
@@ -115,7 +105,7 @@ std::ptrdiff_t step(const Packing &packing, const f90_ArrDesc &rank_1_operand) {
 std::int32_t count_selected(const Packing &packing) {
     Truth truth;
     std::int32_t selected = 0;
-    Cursor mask = walk(packing, packing.mask, sizeof(Word));
+    Cursor mask = walk(packing.mask, packing.walked, sizeof(Word));
     std::int32_t todo = packing.mask.EXTENT;
     while (const std::int32_t count = std::min({todo, mask.left, Truth::most})) {
         read_truth(truth, mask, count);
@@ -149,7 +139,7 @@ void check(const Packing &packing) {
 
 std::int32_t pack_all(const Packing &packing, MoveRun *move_run) {
     const std::int32_t elsize = packing.array.ELSIZE;
-    Cursor array = walk(packing, packing.array, elsize);
+    Cursor array = walk(packing.array, packing.walked, elsize);
     Bytes to = base(packing.result);
     std::int32_t todo = packing.array.EXTENT;
     while (const std::int32_t count = std::min(todo, array.left)) {
@@ -164,8 +154,8 @@ std::int32_t pack_all(const Packing &packing, MoveRun *move_run) {
 std::int32_t pack_selected(const Packing &packing, PackBlock *pack_block) {
     const std::int32_t elsize = packing.array.ELSIZE;
     const std::ptrdiff_t to_step = step(packing, packing.result);
-    Cursor mask = walk(packing, packing.mask, sizeof(Word));
-    Cursor array = walk(packing, packing.array, elsize);
+    Cursor mask = walk(packing.mask, packing.walked, sizeof(Word));
+    Cursor array = walk(packing.array, packing.walked, elsize);
     Truth truth;
     std::int32_t packed = 0;
     std::int32_t todo = packing.mask.EXTENT;

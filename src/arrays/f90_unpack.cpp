@@ -28,12 +28,6 @@ constexpr Orders unpack_orders = [] {
             orders[set][to] = static_cast<std::uint8_t>(from);
     return orders;
 }();
-template <std::int32_t Size> constexpr auto unpack_lane_orders = lane_orders<Size>(unpack_orders);
-
-template <std::int32_t Size> const Order &order_of(std::uint32_t set) {
-    if constexpr (Size > 4) return unpack_lane_orders<Size>[set];
-    return unpack_orders[set];
-}
 
 // Unpacks `groups` whole groups of dense elements; returns how many elements of vector. From
 // one group of field to the next are field_step bytes.
@@ -47,7 +41,7 @@ template <std::int32_t Size>
         std::uint32_t sets = group_bits(truth, g);
         for (std::int32_t part = 0; part < group; part += positions) {
             const std::uint32_t set = sets & ((1U << positions) - 1U);
-            const Order &order = order_of<Size>(set);
+            const Order &order = order_of<unpack_orders, Size>(set);
             Row<Size>::store(to, Row<Size>::chosen(set,
                                                    Row<Size>::ordered(Row<Size>::load(next), order),
                                                    Row<Size>::load(field + part * Size)));
@@ -86,6 +80,7 @@ unpack_positions(const Truth &truth, std::int32_t first, std::int32_t elsize, By
     }
 }
 
+// Few of 16 bytes are found faster one by one.
 template <std::int32_t Size>
 void unpack_block(const Truth &truth, std::int32_t elsize, Bytes to, std::ptrdiff_t to_step,
                   Source vector, const Source &field) {
@@ -120,14 +115,10 @@ struct Unpacking {
     bool walked; // all by their steps, one of them not being dense
 };
 
-Cursor walk(const Unpacking &unpacking, const f90_ArrDesc &operand, std::int32_t size) {
-    return unpacking.walked ? walk_over(operand) : walk_along(base(operand), size, operand.EXTENT);
-}
-
 // A FIELD of one element goes on and on.
 Cursor walk_field(const Unpacking &unpacking) {
     if (unpacking.field.RANK == 0) return walk_along(base(unpacking.field), 0, unpacking.positions);
-    return walk(unpacking, unpacking.field, unpacking.vector.ELSIZE);
+    return walk(unpacking.field, unpacking.walked, unpacking.vector.ELSIZE);
 }
 
 // ---- Checks -----------------------------------------------------------------------------
@@ -135,7 +126,7 @@ Cursor walk_field(const Unpacking &unpacking) {
 // Of a MASK that is not dense, the lowest bit of each word counts.
 std::int32_t count_wanted(const Unpacking &unpacking) {
     std::int32_t count = 0;
-    Cursor mask = walk(unpacking, unpacking.mask, sizeof(Word));
+    Cursor mask = walk(unpacking.mask, unpacking.walked, sizeof(Word));
     std::int32_t todo = unpacking.positions;
     while (const std::int32_t run = std::min(todo, mask.left)) {
         for (std::int32_t i = 0; i < run; ++i) {
@@ -163,8 +154,8 @@ void check(const Unpacking &unpacking) {
 
 void unpack_all(const Unpacking &unpacking, UnpackBlock *unpack_block) {
     const std::int32_t elsize = unpacking.vector.ELSIZE;
-    Cursor result = walk(unpacking, unpacking.result, elsize);
-    Cursor mask = walk(unpacking, unpacking.mask, sizeof(Word));
+    Cursor result = walk(unpacking.result, unpacking.walked, elsize);
+    Cursor mask = walk(unpacking.mask, unpacking.walked, sizeof(Word));
     Cursor field = walk_field(unpacking);
     Source vector = {base(unpacking.vector),
                      unpacking.walked ? byte_step(unpacking.vector, 0) : elsize};

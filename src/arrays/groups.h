@@ -37,7 +37,7 @@ inline bool take_rows(const Truth &truth) { return truth.positions >= 4 * group 
 using Order = std::array<std::uint8_t, group>;
 using Orders = std::array<Order, 256>;
 
-// The places of elements of Size bytes that a vector holds `positions` of, as its lanes.
+// The same for the 4-byte lanes of longer elements, of which a vector holds fewer.
 template <std::int32_t Size> constexpr auto lane_orders(const Orders &orders) {
     constexpr std::size_t lanes = Size / 4;
     std::array<Order, 1U << (group / lanes)> lane_orders{};
@@ -46,6 +46,16 @@ template <std::int32_t Size> constexpr auto lane_orders(const Orders &orders) {
             lane_orders[set][i] =
                 static_cast<std::uint8_t>(orders[set][i / lanes] * lanes + i % lanes);
     return lane_orders;
+}
+
+// The order of a vector of elements of Size bytes for a set of its positions.
+template <const Orders &orders, std::int32_t Size> const Order &order_of(std::uint32_t set) {
+    if constexpr (Size > 4) {
+        static constexpr auto orders_of_lanes = lane_orders<Size>(orders);
+        return orders_of_lanes[set];
+    } else {
+        return orders[set];
+    }
 }
 
 // ---- Vectors --------------------------------------------------------------------------

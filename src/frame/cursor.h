@@ -38,6 +38,13 @@ inline Cursor walk_over(const f90_ArrDesc &array) {
     return cursor;
 }
 
+// By the array's own steps, or as a run of adjacent elements of `size` bytes. Part of its
+// caller, so that small calls do not pass a cursor through memory.
+[[gnu::always_inline]] inline Cursor walk(const f90_ArrDesc &array, bool by_steps,
+                                          std::int32_t size) {
+    return by_steps ? walk_over(array) : walk_along(base(array), size, array.EXTENT);
+}
+
 // From the end of a run to the next one.
 inline void start_next_run(Cursor &cursor) {
     const Run<1> *levels = cursor.nest.levels;
