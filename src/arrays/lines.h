@@ -99,40 +99,51 @@ struct Lines {
 
 inline std::int32_t shift_at(ConstBytes at) { return static_cast<std::int32_t>(load<Word>(at)); }
 
-// Moves what the positions begin to end - 1 of a line take from a piece.
-inline void move_within(std::int32_t begin, std::int32_t end, const Elements &elements,
-                        const Piece &piece, Bytes to, std::ptrdiff_t to_step, Bytes from,
-                        std::ptrdiff_t from_step) {
-    const std::int32_t first = std::max(begin, piece.to);
-    const std::int32_t count = std::min(end, piece.to + piece.count) - first;
-    if (count > 0)
-        move_run(elements, to + first * to_step, to_step,
-                 from + (first - piece.to + piece.from) * from_step, from_step, count);
+// `at` and `step` are of the result, of ARRAY and of what fills.
+inline void move_line(const Elements &elements, const Division &parts, const Positions<4> &at,
+                      const Steps<3> &step) {
+    const auto &[kept, filling] = parts;
+    move_run(elements, at.at[0] + kept.to * step.by[0], step.by[0],
+             at.at[1] + kept.from * step.by[1], step.by[1], kept.count);
+    move_run(elements, at.at[0] + filling.to * step.by[0], step.by[0],
+             at.at[2] + filling.from * step.by[2], step.by[2], filling.count);
 }
 
-// The same of count neighbouring lines and of both pieces.
-inline void move_band(std::int32_t begin, std::int32_t end, const Elements &elements,
-                      const Lines &lines, Positions<4> at, const Steps<4> &to_next,
-                      std::int32_t count) {
-    const std::ptrdiff_t to_step = step(lines.to, lines.along);
-    const std::ptrdiff_t from_step = step(lines.from, lines.along);
-    const std::ptrdiff_t filling_step = step(lines.filling, lines.along);
-    for (; count > 0; --count, advance(at, to_next, 1)) {
-        const auto [kept, filling] = lines.divide(shift_at(at.at[3]), lines.length);
-        move_within(begin, end, elements, kept, at.at[0], to_step, at.at[1], from_step);
-        move_within(begin, end, elements, filling, at.at[0], to_step, at.at[2], filling_step);
+// What of a piece goes to the positions begin to end - 1.
+inline Piece within(std::int32_t begin, std::int32_t end, const Piece &piece) {
+    const std::int32_t first = std::max(begin, piece.to);
+    const std::int32_t count = std::min(end, piece.to + piece.count) - first;
+    return {std::max(count, 0), first - piece.to + piece.from, first};
+}
+
+// Lines whose elements lie far apart: those that have cache lines in common go together,
+// through a few positions at a time.
+inline void move_bands(const Elements &elements, const Lines &lines, Positions<4> at,
+                       const Run<4> &run, const Steps<3> &step) {
+    constexpr std::int32_t window = 64;
+    const std::int32_t band = std::max(1, 128 / std::max(1, elements.elsize));
+    for (std::int32_t n = 0; n < run.count; n += band, advance(at, run.step, band)) {
+        for (std::int32_t begin = 0; begin < lines.length; begin += window) {
+            Positions<4> line = at;
+            for (std::int32_t i = n; i < std::min(n + band, run.count); ++i) {
+                const Division parts = lines.divide(shift_at(line.at[3]), lines.length);
+                move_line(elements,
+                          {within(begin, begin + window, parts.kept),
+                           within(begin, begin + window, parts.filling)},
+                          line, step);
+                advance(line, run.step, 1);
+            }
+        }
     }
 }
 
-// Along the first dimension a line goes as a whole. Otherwise its elements lie far apart, and
-// lines that have cache lines in common go together, through a few positions at a time.
 inline void move_each_line(const Elements &elements, const Lines &lines) {
-    const std::int32_t window = lines.along == 0 ? lines.length : 64;
-    const std::int32_t band =
-        lines.along == 0 ? 1 : std::max(1, 128 / std::max(1, elements.elsize));
+    const int along = lines.along;
+    const Steps<3> line_step = {
+        {step(lines.to, along), step(lines.from, along), step(lines.filling, along)}};
     Nest<4> nest;
     for (int r = 0; r < lines.array.RANK - 1; ++r) {
-        const int i = kept_dimension(r, lines.along);
+        const int i = kept_dimension(r, along);
         add_dimension(nest, {extent(lines.array.Dim[i]),
                              {{step(lines.to, i), step(lines.from, i), step(lines.filling, i),
                                step(lines.shift, i)}}});
@@ -140,10 +151,12 @@ inline void move_each_line(const Elements &elements, const Lines &lines) {
     const Positions<4> first = {
         {lines.to.first, lines.from.first, lines.filling.first, lines.shift.first}};
     for_each_run(nest, first, [&](Positions<4> at, const Run<4> &run) {
-        for (std::int32_t n = 0; n < run.count; n += band, advance(at, run.step, band))
-            for (std::int32_t begin = 0; begin < lines.length; begin += window)
-                move_band(begin, std::min(begin + window, lines.length), elements, lines, at,
-                          run.step, std::min(band, run.count - n));
+        if (along > 0 && lines.length > 64) {
+            move_bands(elements, lines, at, run, line_step);
+        } else {
+            for (std::int32_t n = 0; n < run.count; ++n, advance(at, run.step, 1))
+                move_line(elements, lines.divide(shift_at(at.at[3]), lines.length), at, line_step);
+        }
         return true;
     });
 }

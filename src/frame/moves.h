@@ -2,6 +2,7 @@
 // that the name of an entry tells is a template parameter of the loops over a run.
 #pragma once
 
+#include "frame/lanes.h"
 #include "frame/walk.h"
 
 #include <cstring>
@@ -58,18 +59,36 @@ template <class Size> std::size_t bytes_of(std::int32_t count, Size size) {
     return static_cast<std::size_t>(count) * static_cast<std::size_t>(size);
 }
 
-// Makes count elements without gaps out of the one at `from`: what stands already is copied
-// on, in parts that stay in the nearest cache.
+// Makes count elements without gaps out of the one at `from`. Of a size that the processor
+// has a type for this is a loop for vectors; of others what stands already is copied on, in
+// parts that stay in the nearest cache.
 template <std::int32_t Size>
 void repeat_element(Bytes to, ConstBytes from, std::int32_t size, std::int32_t count) {
-    constexpr std::size_t near = 4096;
-    const std::size_t bytes = bytes_of(count, size);
-    move_element<Size>(to, from, size);
-    auto part = static_cast<std::size_t>(size);
-    for (std::size_t done = part; done < bytes; done += part) {
-        if (done < near) part = done;
-        if (part > bytes - done) part = bytes - done;
-        copy_bytes(to + done, to, part);
+    if constexpr (Size == 1 || Size == 2 || Size == 4 || Size == 8) {
+        SignedOfSize<Size> element;
+        std::memcpy(&element, from, Size);
+        for (std::int32_t i = 0; i < count; ++i) std::memcpy(to + i * Size, &element, Size);
+    } else {
+        constexpr std::size_t near = 4096;
+        const std::size_t bytes = bytes_of(count, size);
+        move_element<Size>(to, from, size);
+        auto part = static_cast<std::size_t>(size);
+        for (std::size_t done = part; done < bytes; done += part) {
+            if (done < near) part = done;
+            if (part > bytes - done) part = bytes - done;
+            copy_bytes(to + done, to, part);
+        }
+    }
+}
+
+// A function of its own: beside calls the compiler would keep its counter in memory.
+template <std::int32_t Size>
+[[gnu::noinline]] void move_strided(std::int32_t elsize, Bytes to, std::ptrdiff_t to_step,
+                                    ConstBytes from, std::ptrdiff_t from_step, std::int32_t count) {
+    for (; count > 0; --count) {
+        move_element<Size>(to, from, elsize);
+        to += to_step;
+        from += from_step;
     }
 }
 
@@ -84,11 +103,7 @@ void move_run(std::int32_t elsize, Bytes to, std::ptrdiff_t to_step, ConstBytes 
         return copy_bytes(to, from, bytes_of(count, elsize));
     if (to_step == size && from_step == 0 && count > few)
         return repeat_element<Size>(to, from, size, count);
-    for (; count > 0; --count) {
-        move_element<Size>(to, from, elsize);
-        to += to_step;
-        from += from_step;
-    }
+    move_strided<Size>(elsize, to, to_step, from, from_step, count);
 }
 
 // What a family knows of its elements: how runs of them are moved. The loops stand behind
