@@ -116,22 +116,25 @@ inline Piece within(std::int32_t begin, std::int32_t end, const Piece &piece) {
     return {std::max(count, 0), first - piece.to + piece.from, first};
 }
 
+// The positions that lines pass through together: a cache line of the result for each fits the
+// nearest cache.
+constexpr std::int32_t window = 256;
+
 // Lines whose elements lie far apart: those that have cache lines in common go together,
 // through a few positions at a time.
-inline void move_bands(const Elements &elements, const Lines &lines, Positions<4> at,
+inline void move_bands(const Elements &elements, const Lines &lines, const Positions<4> &first,
                        const Run<4> &run, const Steps<3> &step) {
-    constexpr std::int32_t window = 64;
-    const std::int32_t band = std::max(1, 128 / std::max(1, elements.elsize));
-    for (std::int32_t n = 0; n < run.count; n += band, advance(at, run.step, band)) {
+    const std::int32_t band = std::max(1, 256 / std::max(1, elements.elsize));
+    for (std::int32_t n = 0; n < run.count; n += band) {
+        const std::int32_t behind = std::min(n + band, run.count);
         for (std::int32_t begin = 0; begin < lines.length; begin += window) {
-            Positions<4> line = at;
-            for (std::int32_t i = n; i < std::min(n + band, run.count); ++i) {
-                const Division parts = lines.divide(shift_at(line.at[3]), lines.length);
+            for (std::int32_t i = n; i < behind; ++i) {
+                const Positions<4> at = advanced(first, run.step, i);
+                const Division parts = lines.divide(shift_at(at.at[3]), lines.length);
                 move_line(elements,
                           {within(begin, begin + window, parts.kept),
                            within(begin, begin + window, parts.filling)},
-                          line, step);
-                advance(line, run.step, 1);
+                          at, step);
             }
         }
     }
@@ -150,13 +153,14 @@ inline void move_each_line(const Elements &elements, const Lines &lines) {
     }
     const Positions<4> first = {
         {lines.to.first, lines.from.first, lines.filling.first, lines.shift.first}};
-    for_each_run(nest, first, [&](Positions<4> at, const Run<4> &run) {
-        if (along > 0 && lines.length > 64) {
-            move_bands(elements, lines, at, run, line_step);
-        } else {
-            for (std::int32_t n = 0; n < run.count; ++n, advance(at, run.step, 1))
+    for_each_run(nest, first, [&](const Positions<4> &start, const Run<4> &run) {
+        if (along > 0 && lines.length > window)
+            move_bands(elements, lines, start, run, line_step);
+        else
+            for (std::int32_t n = 0; n < run.count; ++n) {
+                const Positions<4> at = advanced(start, run.step, n);
                 move_line(elements, lines.divide(shift_at(at.at[3]), lines.length), at, line_step);
-        }
+            }
         return true;
     });
 }
@@ -231,8 +235,9 @@ inline void move_slabs(const Elements &elements, const Lines &lines) {
         add_dimension(above, {extent(lines.array.Dim[i]),
                               {{step(lines.to, i), step(lines.from, i), step(lines.filling, i)}}});
     const Positions<3> first = {{lines.to.first, lines.from.first, lines.filling.first}};
-    for_each_run(above, first, [&](Positions<3> at, const Run<3> &run) {
-        for (std::int32_t n = 0; n < run.count; ++n, advance(at, run.step, 1)) {
+    for_each_run(above, first, [&](const Positions<3> &start, const Run<3> &run) {
+        for (std::int32_t n = 0; n < run.count; ++n) {
+            const Positions<3> at = advanced(start, run.step, n);
             move_section(elements, keep, at.at[0] + parts.kept.to * step(lines.to, along),
                          at.at[1] + parts.kept.from * step(lines.from, along));
             move_section(elements, fill, at.at[0] + parts.filling.to * step(lines.to, along),

@@ -85,6 +85,7 @@ void repeat_element(Bytes to, ConstBytes from, std::int32_t size, std::int32_t c
 template <std::int32_t Size>
 [[gnu::noinline]] void move_strided(std::int32_t elsize, Bytes to, std::ptrdiff_t to_step,
                                     ConstBytes from, std::ptrdiff_t from_step, std::int32_t count) {
+#pragma GCC unroll 4
     for (; count > 0; --count) {
         move_element<Size>(to, from, elsize);
         to += to_step;
@@ -117,7 +118,10 @@ struct Elements {
 
 inline void move_run(const Elements &elements, Bytes to, std::ptrdiff_t to_step, ConstBytes from,
                      std::ptrdiff_t from_step, std::int32_t count) {
-    elements.move_run(elements.elsize, to, to_step, from, from_step, count);
+    if (to_step == elements.elsize && from_step == elements.elsize)
+        copy_bytes(to, from, bytes_of(count, elements.elsize)); // without the way to the loops
+    else if (count > 0)
+        elements.move_run(elements.elsize, to, to_step, from, from_step, count);
 }
 
 // ---- Sections -------------------------------------------------------------------

@@ -59,6 +59,15 @@ void advance(Positions<Operands> &positions, const Steps<Operands> &step, std::p
     for (int o = 0; o < Operands; ++o) positions.at[o] += step.by[o] * times;
 }
 
+// Field by field, as above.
+template <int Operands>
+[[gnu::always_inline]] inline Positions<Operands>
+advanced(const Positions<Operands> &positions, const Steps<Operands> &step, std::ptrdiff_t times) {
+    Positions<Operands> there;
+    for (int o = 0; o < Operands; ++o) there.at[o] = positions.at[o] + step.by[o] * times;
+    return there;
+}
+
 // The walk over any number of levels; for_each_run below is the way in.
 template <int Operands, class Visit>
 void for_each_outer(const Nest<Operands> &nest, Positions<Operands> positions, Visit visit) {
