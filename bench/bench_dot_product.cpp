@@ -89,7 +89,7 @@ void compete(Table &table, const PairRow &row, const Shape &shape) {
     list.Arg2 = slot(vector_b);
     void *const results[contestants] = {
         size <= sizeof list.Result ? &list.Result : storage.results[Ours], storage.results[PeerO2],
-        storage.results[PeerO3], storage.results[OpenBlas]};
+        storage.results[PeerO3], storage.results[Reference]};
     spoil(results, size);
 
     const auto peer_call = [&](Peer *peer, Contestant contestant) {

@@ -135,7 +135,7 @@ Repeated openblas_call(const Row &row, std::int32_t n, const Storage &storage) {
     row.element.put(&one, 1);
     const char *const transpose_a = row.form == Form::TransposedA ? "T" : "N";
     return repeated(
-        [=, zero = Factor{}, a = storage.a, b = storage.b, result = storage.results[OpenBlas]] {
+        [=, zero = Factor{}, a = storage.a, b = storage.b, result = storage.results[Reference]] {
             gemm(transpose_a, "N", &n, &n, &n, &one, a, &n, b, &n, &zero, result, &n);
         });
 }

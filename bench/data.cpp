@@ -54,6 +54,8 @@ constinit const Kind complex16 = kind<double>(2, rounding8);
 constinit const Kind complex20 = kind<long double>(2, rounding10);
 constinit const Kind complex32 = kind<__float128>(2, rounding10);
 
+Kind characters(int length) { return kind<std::int8_t>(length, 0); }
+
 // ---- Values -----------------------------------------------------------------
 
 namespace {
@@ -79,6 +81,10 @@ double value(Values values, std::int32_t index, std::uint32_t random, int part) 
         return 1 - (random >> 31);
     case Values::Sparse:
         return random % 100 == 0;
+    case Values::MostlyTrue:
+        return random % 16 != 0;
+    case Values::MostlyFalse:
+        return random % 16 == 0;
     case Values::AllTrue:
         return 1;
     case Values::AllFalse:

@@ -23,6 +23,9 @@ extern const Kind int1, int2, int4, int8;
 extern const Kind real4, real8, real10, real16;
 extern const Kind complex8, complex16, complex20, complex32;
 
+// A string of that length.
+Kind characters(int length);
+
 enum class Values {
     Spread,        // over what integers of up to 4 bytes hold and 53 bits of wider types
     Ascending,     // by 1 each
@@ -34,6 +37,8 @@ enum class Values {
     Coins,         // true or false at random
     OppositeCoins, // drawn with the same seed: true where Coins are false
     Sparse,        // one in 100 is true
+    MostlyTrue,    // 15 in 16 are
+    MostlyFalse,   // one in 16 is
     AllTrue,
     AllFalse
 };

@@ -9,5 +9,7 @@ void bench_reductions(Table &table);
 void bench_extrema(Table &table);
 void bench_dot_product(Table &table);
 void bench_matmul(Table &table);
+void bench_shifts(Table &table);
+void bench_packing(Table &table);
 
 } // namespace bench

@@ -44,7 +44,7 @@ long calibrated(const Repeated &calls) {
 }
 
 // The contestants from the first on that take part.
-int entered(const Contest &contest) { return contest.calls[OpenBlas] ? contestants : OpenBlas; }
+int entered(const Contest &contest) { return contest.calls[Reference] ? contestants : Reference; }
 
 struct Timing {
     double seconds_per_call[contestants];
@@ -73,7 +73,7 @@ Timing measure(const Contest &contest) {
 }
 
 void check_answers(const Contest &contest) {
-    static constexpr const char *names[] = {"the library", "peer O2", "peer O3", "OpenBLAS"};
+    const char *const names[] = {"the library", "peer O2", "peer O3", contest.reference};
     const int parties = entered(contest);
     for (int c = 0; c < parties; ++c) contest.calls[c](1);
     for (int c = PeerO2; c < parties; ++c) {
@@ -106,7 +106,7 @@ void spoil(void *const (&results)[contestants], std::size_t bytes) {
 
 void print_heading() {
     std::printf("%-26s %9s %12s %12s %12s %7s %12s %7s\n", "", "size", "ours", "peer O2", "peer O3",
-                "ratio", "OpenBLAS", "ratio");
+                "ratio", "reference", "ratio");
 }
 
 void run(Table &table, const Contest &contest) {
@@ -119,9 +119,9 @@ void run(Table &table, const Contest &contest) {
     std::printf("%-26s %9s", contest.name.c_str(), contest.size.c_str());
     for (const Contestant c : {Ours, PeerO2, PeerO3}) print_time(times[c]);
     std::printf(" %7.2f%s", ratio, o2_alone ? " O2" : "");
-    if (contest.calls[OpenBlas]) {
-        print_time(times[OpenBlas]);
-        std::printf(" %7.2f", times[OpenBlas] / times[Ours]);
+    if (contest.calls[Reference]) {
+        print_time(times[Reference]);
+        std::printf(" %7.2f %s", times[Reference] / times[Ours], contest.reference);
     }
     std::printf("\n");
     std::fflush(stdout);
@@ -165,10 +165,12 @@ f90_ArrDesc vector(void *base, std::int32_t count, std::size_t elsize, std::int3
     return array;
 }
 
-f90_ArrDesc matrix(void *base, std::int32_t rows, std::int32_t columns, std::size_t elsize) {
+f90_ArrDesc matrix(void *base, std::int32_t rows, std::int32_t columns, std::size_t elsize,
+                   std::int32_t stride) {
     f90_ArrDesc array = without_dimensions(base, rows * columns, elsize);
-    add_dimension(array, rows, 1);
-    add_dimension(array, columns, rows);
+    add_dimension(array, rows, stride);
+    add_dimension(array, columns, rows * stride);
+    array.NONCONTIG = stride == 1 ? 0 : 1;
     return array;
 }
 

@@ -1,6 +1,6 @@
 // The benchmark's harness: a contest times one call of the library beside the
-// same work of two peers, and of OpenBLAS where it has it, and becomes one row of
-// the table. Descriptors for the library's calls are made here too.
+// same work of two peers, and of a reference where there is one (OpenBLAS, memcpy),
+// and becomes one row of the table. Descriptors for the library's calls are made here too.
 #pragma once
 
 #include "quillfn/quillfn.h"
@@ -25,7 +25,7 @@ template <class Call> Repeated repeated(Call call) {
     };
 }
 
-enum Contestant { Ours, PeerO2, PeerO3, OpenBlas, contestants };
+enum Contestant { Ours, PeerO2, PeerO3, Reference, contestants };
 
 // The peer whose time the ratio is about.
 enum class Rival { Better, O2 };
@@ -33,10 +33,11 @@ enum class Rival { Better, O2 };
 struct Contest {
     std::string name;
     std::string size;
-    Repeated calls[contestants]; // that of OpenBLAS may be empty
-    // Whether the answer that a peer left behind is the library's.
+    Repeated calls[contestants]; // that of the reference may be empty
+    // Whether the answer that a peer or the reference left behind is as it should be.
     std::function<bool(Contestant peer)> agrees;
     Rival rival = Rival::Better;
+    const char *reference = "OpenBLAS";
 };
 
 struct Table {
@@ -66,8 +67,9 @@ f90_ArrDesc scalar(void *base, std::size_t elsize);
 // `count` elements, `stride` elements apart; dense when that is 1.
 f90_ArrDesc vector(void *base, std::int32_t count, std::size_t elsize, std::int32_t stride = 1);
 
-// A dense matrix, column after column.
-f90_ArrDesc matrix(void *base, std::int32_t rows, std::int32_t columns, std::size_t elsize);
+// A matrix, column after column, with rows `stride` elements apart; dense when that is 1.
+f90_ArrDesc matrix(void *base, std::int32_t rows, std::int32_t columns, std::size_t elsize,
+                   std::int32_t stride = 1);
 
 // A descriptor's address as an argument.
 f90_Slot slot(f90_ArrDesc &array);

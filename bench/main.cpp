@@ -1,6 +1,7 @@
 // quillfn_bench [FILTER]: the library beside gfortran's intrinsics, compiled with
-// -O2 and with -O3 -march=native -mfpmath=sse, and matrix products beside OpenBLAS
-// where it is installed. Runs the rows whose name contains FILTER. A time is that of
+// -O2 and with -O3 -march=native -mfpmath=sse, matrix products beside OpenBLAS too
+// where it is installed, plain moves beside memcpy. Runs the rows whose name contains
+// FILTER. A time is that of
 // one call whose argument record is already filled.
 #include "families.h"
 #include "openblas.h"
@@ -30,13 +31,15 @@ int main(int argc, char **argv) {
     std::printf("Processor: %s\n", processor().c_str());
     std::printf("ratio: time of the better peer / our time; above 1 the library is faster\n");
     std::printf("O2 behind it: of peer O2, because peer O3 sums in a narrower format\n");
-    std::printf("second ratio: time of OpenBLAS / our time. %s\n\n",
+    std::printf("second ratio: time of the reference named behind it / our time. %s\n\n",
                 bench::openblas_version().c_str());
     bench::print_heading();
     bench::bench_reductions(table);
     bench::bench_extrema(table);
     bench::bench_dot_product(table);
     bench::bench_matmul(table);
+    bench::bench_shifts(table);
+    bench::bench_packing(table);
     if (table.rows == 0) {
         std::fprintf(stderr, "no row's name contains \"%s\"\n", table.filter);
         return EXIT_FAILURE;

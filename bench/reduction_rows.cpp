@@ -10,8 +10,6 @@ namespace bench {
 
 namespace {
 
-const Shape l1 = {" L1", "24 KiB", 24 << 10, 0, 1, 0};
-
 // How far a MASK moves from its first place.
 constexpr std::int32_t mask_stretch = 1 << 18;
 
@@ -25,19 +23,9 @@ Storage storage_for_all() {
 
 } // namespace
 
-const Shapes first_cache = {l1};
-const Shapes caches = {
-    l1, {" L2", "256 KiB", 256 << 10, 0, 1, 0}, {" RAM", "96 MiB", most_bytes, 0, 1, 0}};
-const Shapes dim1 = {{" dim=1", "500x500", 0, 500, 500, 1}};
-const Shapes dim2 = {{" dim=2", "500x500", 0, 500, 500, 2}};
 const Shapes middle_row = {{"", "500x500", 0, 500, 500, 250}};
-const Shapes ten = {{"", "10", 0, 10, 1, 0}};
 const Shapes square = {{" dim=1", "3x3", 0, 3, 3, 1}, {" dim=2", "3x3", 0, 3, 3, 2}};
 const Shapes oblong = {{" dim=1", "5x2", 0, 5, 2, 1}};
-
-std::string full_name(const char *row, const Shape &shape) {
-    return row + std::string(shape.suffix);
-}
 
 const Storage &shared_storage() {
     static const Storage all = storage_for_all();

@@ -3,12 +3,10 @@
 // lie; it is run for each of its shapes.
 #pragma once
 
-#include "data.h"
 #include "harness.h"
+#include "rows.h"
 
 #include <span>
-#include <string>
-#include <vector>
 
 namespace bench {
 
@@ -23,32 +21,9 @@ struct Peers {
     Peer *o3;
 };
 
-#define PEERS(NAME)                                                                                \
-    extern "C" Peer o2_##NAME, o3_##NAME;                                                          \
-    static constexpr Peers NAME { o2_##NAME, o3_##NAME }
-
 // ---- Shapes -----------------------------------------------------------------
 
-struct Shape {
-    const char *suffix; // of the row's name
-    const char *size;
-    std::int32_t bytes; // of a vector whose length is not given
-    std::int32_t rows;
-    std::int32_t columns;
-    std::int32_t dim;
-
-    std::int32_t rows_of(const Kind &element) const {
-        return bytes == 0 ? rows : bytes / static_cast<std::int32_t>(element.size());
-    }
-};
-using Shapes = std::vector<Shape>;
-
-constexpr std::int32_t most_bytes = 96 << 20; // well beyond the last cache
-extern const Shapes first_cache, caches;
-extern const Shapes dim1, dim2, middle_row;
-extern const Shapes ten, square, oblong;
-
-std::string full_name(const char *row, const Shape &shape);
+extern const Shapes middle_row, square, oblong;
 
 // ---- Storage ----------------------------------------------------------------
 
