@@ -106,12 +106,12 @@ std::int32_t count_selected(const Packing &packing) {
     Truth truth;
     std::int32_t selected = 0;
     Cursor mask = walk(packing.mask, packing.walked, sizeof(Word));
-    std::int32_t todo = packing.mask.EXTENT;
-    while (const std::int32_t count = std::min({todo, mask.left, Truth::most})) {
+    std::int32_t ahead = packing.mask.EXTENT;
+    while (const std::int32_t count = std::min({ahead, mask.left, Truth::most})) {
         read_truth(truth, mask, count);
         selected += truth.trues;
         advance(mask, count);
-        todo -= count;
+        ahead -= count;
     }
     return selected;
 }
@@ -141,12 +141,12 @@ std::int32_t pack_all(const Packing &packing, MoveRun *move_run) {
     const std::int32_t elsize = packing.array.ELSIZE;
     Cursor array = walk(packing.array, packing.walked, elsize);
     Bytes to = base(packing.result);
-    std::int32_t todo = packing.array.EXTENT;
-    while (const std::int32_t count = std::min(todo, array.left)) {
+    std::int32_t ahead = packing.array.EXTENT;
+    while (const std::int32_t count = std::min(ahead, array.left)) {
         move_run(elsize, to, step(packing, packing.result), array.at, array.step(), count);
         to += count * step(packing, packing.result);
         advance(array, count);
-        todo -= count;
+        ahead -= count;
     }
     return packing.array.EXTENT;
 }
@@ -158,15 +158,15 @@ std::int32_t pack_selected(const Packing &packing, PackBlock *pack_block) {
     Cursor array = walk(packing.array, packing.walked, elsize);
     Truth truth;
     std::int32_t packed = 0;
-    std::int32_t todo = packing.mask.EXTENT;
-    while (const std::int32_t count = std::min({todo, mask.left, array.left, Truth::most})) {
+    std::int32_t ahead = packing.mask.EXTENT;
+    while (const std::int32_t count = std::min({ahead, mask.left, array.left, Truth::most})) {
         read_truth(truth, mask, count);
         pack_block(truth, elsize, base(packing.result) + packed * to_step, to_step, array.at,
                    array.step());
         packed += truth.trues;
         advance(mask, count);
         advance(array, count);
-        todo -= count;
+        ahead -= count;
     }
     return packed;
 }

@@ -127,14 +127,14 @@ Cursor walk_field(const Unpacking &unpacking) {
 std::int32_t count_wanted(const Unpacking &unpacking) {
     std::int32_t count = 0;
     Cursor mask = walk(unpacking.mask, unpacking.walked, sizeof(Word));
-    std::int32_t todo = unpacking.positions;
-    while (const std::int32_t run = std::min(todo, mask.left)) {
+    std::int32_t ahead = unpacking.positions;
+    while (const std::int32_t run = std::min(ahead, mask.left)) {
         for (std::int32_t i = 0; i < run; ++i) {
             const Word word = load<Word>(mask.at + i * mask.step());
             count += unpacking.mask.NONCONTIG != 0 ? (word & 1U) != 0 : word != 0;
         }
         advance(mask, run);
-        todo -= run;
+        ahead -= run;
     }
     return count;
 }
@@ -160,16 +160,16 @@ void unpack_all(const Unpacking &unpacking, UnpackBlock *unpack_block) {
     Source vector = {base(unpacking.vector),
                      unpacking.walked ? byte_step(unpacking.vector, 0) : elsize};
     Truth truth;
-    std::int32_t todo = unpacking.positions;
+    std::int32_t ahead = unpacking.positions;
     while (const std::int32_t count =
-               std::min({todo, result.left, mask.left, field.left, Truth::most})) {
+               std::min({ahead, result.left, mask.left, field.left, Truth::most})) {
         read_truth(truth, mask, count);
         unpack_block(truth, elsize, result.at, result.step(), vector, {field.at, field.step()});
         vector.at += truth.trues * vector.step;
         advance(result, count);
         advance(mask, count);
         advance(field, count);
-        todo -= count;
+        ahead -= count;
     }
 }
 
