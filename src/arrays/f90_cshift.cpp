@@ -42,16 +42,16 @@ void cshift(const f90_ArgList *list, MoveRun *move_run) {
     if (!result_given(*list)) create(result, shape_of(array), array.ELSIZE);
     if (array.EXTENT == 0) return;
     const int along = dim - 1;
-    move_lines({array.ELSIZE, move_run}, {.array = array,
-                                          .along = along,
-                                          .length = line_length(array, along),
-                                          .to = element_by_element(result, array.ELSIZE),
-                                          .from = element_by_element(array, array.ELSIZE),
-                                          .filling = element_by_element(array, array.ELSIZE),
-                                          .shift = line_by_line(shift, array, along),
-                                          .divide = turned,
-                                          .circular = true,
-                                          .dense = array.NONCONTIG == 0 && result.NONCONTIG == 0});
+    move_lines<turned>({array.ELSIZE, move_run},
+                       {.array = array,
+                        .along = along,
+                        .length = line_length(array, along),
+                        .to = element_by_element(result, array.ELSIZE),
+                        .from = element_by_element(array, array.ELSIZE),
+                        .filling = element_by_element(array, array.ELSIZE),
+                        .shift = line_by_line(shift, array, along),
+                        .circular = true,
+                        .dense = array.NONCONTIG == 0 && result.NONCONTIG == 0});
 }
 
 } // namespace

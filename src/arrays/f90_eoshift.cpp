@@ -51,17 +51,17 @@ void shift_within(const Operand &boundary, const f90_ArgList &list, std::int32_t
     if (!result_given(list)) create(result, shape_of(array), array.ELSIZE);
     if (array.EXTENT == 0) return;
     const int along = dim - 1;
-    move_lines({array.ELSIZE, move_run}, {.array = array,
-                                          .along = along,
-                                          .length = line_length(array, along),
-                                          .to = element_by_element(result, array.ELSIZE),
-                                          .from = element_by_element(array, array.ELSIZE),
-                                          .filling = boundary,
-                                          .shift = line_by_line(shift, array, along),
-                                          .divide = shifted,
-                                          .circular = false,
-                                          .dense = array.NONCONTIG == 0 && result.NONCONTIG == 0 &&
-                                                   boundary.array == nullptr});
+    move_lines<shifted>(
+        {array.ELSIZE, move_run},
+        {.array = array,
+         .along = along,
+         .length = line_length(array, along),
+         .to = element_by_element(result, array.ELSIZE),
+         .from = element_by_element(array, array.ELSIZE),
+         .filling = boundary,
+         .shift = line_by_line(shift, array, along),
+         .circular = false,
+         .dense = array.NONCONTIG == 0 && result.NONCONTIG == 0 && boundary.array == nullptr});
 }
 
 void eoshift(const f90_ArgList *list, MoveRun *move_run, Default bytes = Default::Zeros) {

@@ -79,7 +79,8 @@ struct Division {
     Piece filling; // from what fills
 };
 
-// What a shift makes of a line of this length, which is at least 1.
+// What a shift makes of a line of this length, which is at least 1. Part of the walks below: a
+// call would cost short lines as much as their moves.
 using Divide = Division(std::int32_t shift, std::int32_t length);
 
 struct Lines {
@@ -90,7 +91,6 @@ struct Lines {
     Operand from;
     Operand filling;
     Operand shift;
-    Divide *divide;
     bool circular; // ARRAY itself fills
     bool dense;    // ARRAY and result, and filling is ARRAY or a single element
 };
@@ -122,15 +122,16 @@ constexpr std::int32_t window = 256;
 
 // Lines whose elements lie far apart: those that have cache lines in common go together,
 // through a few positions at a time.
-inline void move_bands(const Elements &elements, const Lines &lines, const Positions<4> &first,
-                       const Run<4> &run, const Steps<3> &step) {
+template <Divide divide>
+void move_bands(const Elements &elements, const Lines &lines, const Positions<4> &first,
+                const Run<4> &run, const Steps<3> &step) {
     const std::int32_t band = std::max(1, 256 / std::max(1, elements.elsize));
     for (std::int32_t n = 0; n < run.count; n += band) {
         const std::int32_t behind = std::min(n + band, run.count);
         for (std::int32_t begin = 0; begin < lines.length; begin += window) {
             for (std::int32_t i = n; i < behind; ++i) {
                 const Positions<4> at = advanced(first, run.step, i);
-                const Division parts = lines.divide(shift_at(at.at[3]), lines.length);
+                const Division parts = divide(shift_at(at.at[3]), lines.length);
                 move_line(elements,
                           {within(begin, begin + window, parts.kept),
                            within(begin, begin + window, parts.filling)},
@@ -140,7 +141,7 @@ inline void move_bands(const Elements &elements, const Lines &lines, const Posit
     }
 }
 
-inline void move_each_line(const Elements &elements, const Lines &lines) {
+template <Divide divide> void move_each_line(const Elements &elements, const Lines &lines) {
     const int along = lines.along;
     const Steps<3> line_step = {
         {step(lines.to, along), step(lines.from, along), step(lines.filling, along)}};
@@ -155,11 +156,11 @@ inline void move_each_line(const Elements &elements, const Lines &lines) {
         {lines.to.first, lines.from.first, lines.filling.first, lines.shift.first}};
     for_each_run(nest, first, [&](const Positions<4> &start, const Run<4> &run) {
         if (along > 0 && lines.length > window)
-            move_bands(elements, lines, start, run, line_step);
+            move_bands<divide>(elements, lines, start, run, line_step);
         else
             for (std::int32_t n = 0; n < run.count; ++n) {
                 const Positions<4> at = advanced(start, run.step, n);
-                move_line(elements, lines.divide(shift_at(at.at[3]), lines.length), at, line_step);
+                move_line(elements, divide(shift_at(at.at[3]), lines.length), at, line_step);
             }
         return true;
     });
@@ -187,8 +188,8 @@ inline std::int32_t elements_of(const f90_ArrDesc &array, int first_dim, int end
 // Of dense operands, with one boundary. A slab is a line with the dimensions below it, which
 // have `row` bytes at each position. Where little is filled, the kept pieces of some slabs are
 // moved as one, with the room between them, which is filled while the cache holds it.
-inline void move_dense_slabs(const Elements &elements, const Lines &lines) {
-    const auto [kept, filling] = lines.divide(shift_at(lines.shift.first), lines.length);
+template <Divide divide> void move_dense_slabs(const Elements &elements, const Lines &lines) {
+    const auto [kept, filling] = divide(shift_at(lines.shift.first), lines.length);
     const std::int32_t below = elements_of(lines.array, 0, lines.along);
     const std::size_t row = bytes_of(below, elements.elsize);
     const std::size_t slab = bytes_of(lines.length, row);
@@ -225,9 +226,9 @@ inline Moves moves_of_slab(const Lines &lines, const Piece &piece, const Operand
     return moves;
 }
 
-inline void move_slabs(const Elements &elements, const Lines &lines) {
+template <Divide divide> void move_slabs(const Elements &elements, const Lines &lines) {
     const int along = lines.along;
-    const Division parts = lines.divide(shift_at(lines.shift.first), lines.length);
+    const Division parts = divide(shift_at(lines.shift.first), lines.length);
     const Moves keep = moves_of_slab(lines, parts.kept, lines.from);
     const Moves fill = moves_of_slab(lines, parts.filling, lines.filling);
     Nest<3> above;
@@ -247,13 +248,13 @@ inline void move_slabs(const Elements &elements, const Lines &lines) {
     });
 }
 
-inline void move_lines(const Elements &elements, const Lines &lines) {
+template <Divide divide> void move_lines(const Elements &elements, const Lines &lines) {
     if (lines.shift.array != nullptr)
-        move_each_line(elements, lines);
+        move_each_line<divide>(elements, lines);
     else if (lines.dense)
-        move_dense_slabs(elements, lines);
+        move_dense_slabs<divide>(elements, lines);
     else
-        move_slabs(elements, lines);
+        move_slabs<divide>(elements, lines);
 }
 
 } // namespace quill
