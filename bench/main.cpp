@@ -1,8 +1,7 @@
 // quillfn_bench [FILTER]: the library beside gfortran's intrinsics, compiled with
 // -O2 and with -O3 -march=native -mfpmath=sse, matrix products beside OpenBLAS too
 // where it is installed, plain moves beside memcpy. Runs the rows whose name contains
-// FILTER. A time is that of
-// one call whose argument record is already filled.
+// FILTER. A time is that of one call whose argument record is already filled.
 #include "families.h"
 #include "openblas.h"
 

@@ -155,13 +155,14 @@ template <Divide divide> void move_each_line(const Elements &elements, const Lin
     const Positions<4> first = {
         {lines.to.first, lines.from.first, lines.filling.first, lines.shift.first}};
     for_each_run(nest, first, [&](const Positions<4> &start, const Run<4> &run) {
-        if (along > 0 && lines.length > window)
+        if (along > 0 && lines.length > window) {
             move_bands<divide>(elements, lines, start, run, line_step);
-        else
-            for (std::int32_t n = 0; n < run.count; ++n) {
-                const Positions<4> at = advanced(start, run.step, n);
-                move_line(elements, divide(shift_at(at.at[3]), lines.length), at, line_step);
-            }
+            return true;
+        }
+        for (std::int32_t n = 0; n < run.count; ++n) {
+            const Positions<4> at = advanced(start, run.step, n);
+            move_line(elements, divide(shift_at(at.at[3]), lines.length), at, line_step);
+        }
         return true;
     });
 }
@@ -190,6 +191,8 @@ inline std::int32_t elements_of(const f90_ArrDesc &array, int first_dim, int end
 // moved as one, with the room between them, which is filled while the cache holds it.
 template <Divide divide> void move_dense_slabs(const Elements &elements, const Lines &lines) {
     const auto [kept, filling] = divide(shift_at(lines.shift.first), lines.length);
+    constexpr std::size_t little = 256;   // bytes that take no longer than a call for them
+    constexpr std::size_t cached = 16384; // bytes of ARRAY, beside as many of the result
     const std::int32_t below = elements_of(lines.array, 0, lines.along);
     const std::size_t row = bytes_of(below, elements.elsize);
     const std::size_t slab = bytes_of(lines.length, row);
@@ -199,11 +202,10 @@ template <Divide divide> void move_dense_slabs(const Elements &elements, const L
     Bytes to = lines.to.first;
     Bytes from = lines.from.first;
     std::int32_t left = elements_of(lines.array, lines.along + 1, lines.array.RANK);
-    const std::int32_t together = left > 1 && room < 256 && slab < 8192 && slab > 0
-                                      ? static_cast<std::int32_t>(16384 / slab)
-                                      : 1;
+    const std::size_t together =
+        left > 1 && slab > 0 && room < little ? std::max<std::size_t>(1, cached / slab) : 1;
     while (left > 0) {
-        const std::int32_t count = std::min(left, together);
+        const std::int32_t count = std::min(left, static_cast<std::int32_t>(together));
         const std::size_t bytes = bytes_of(count, slab);
         if (kept.count > 0)
             copy_bytes(to + bytes_of(kept.to, row), from + bytes_of(kept.from, row), bytes - room);
