@@ -216,6 +216,43 @@ extern QUILLFN_EXPORT f90_Intrinsic f90_unpack1, f90_unpack2, f90_unpack4, f90_u
 extern QUILLFN_EXPORT f90_Intrinsic f90_unpack10, f90_unpack16, f90_unpack20, f90_unpack32;
 extern QUILLFN_EXPORT f90_Intrinsic f90_unpackn;
 
+/* RESHAPE(SOURCE, SHAPE, PAD, ORDER): Arg1 SOURCE, Arg2 SHAPE, Arg3 PAD, Arg4 ORDER. Of each
+ * element of SHAPE and ORDER a 32-bit word is read, the low one of wider integers. Without
+ * PAD, or with an empty one, the result ends where SOURCE does. The k members report
+ * as KRESHAPE. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_reshape1, f90_reshape2, f90_reshape4, f90_reshape8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_reshape10, f90_reshape16, f90_reshape20, f90_reshape32;
+extern QUILLFN_EXPORT f90_Intrinsic f90_reshapen;
+extern QUILLFN_EXPORT f90_Intrinsic f90_kreshape1, f90_kreshape2, f90_kreshape4, f90_kreshape8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_kreshape10, f90_kreshape16, f90_kreshape20, f90_kreshape32;
+extern QUILLFN_EXPORT f90_Intrinsic f90_kreshapen;
+
+/* The checks of RESHAPE alone, of the same record: they return where the record is sound. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_Reshape_Validation, f90_kReshape_Validation;
+
+/* SPREAD(SOURCE, DIM, NCOPIES): Arg1 SOURCE, Arg2 DIM, Arg3 NCOPIES; a negative NCOPIES is 0.
+ * A given result may be longer along DIM: what is behind NCOPIES is left alone. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_spread1, f90_spread2, f90_spread4, f90_spread8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_spread10, f90_spread16, f90_spread20, f90_spread32;
+extern QUILLFN_EXPORT f90_Intrinsic f90_spreadn;
+
+/* TRANSPOSE(MATRIX): Arg1 MATRIX, of rank 2. Stride counts elements, but in the n member
+ * units of SCALEFACTOR. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_transpose1, f90_transpose2, f90_transpose4, f90_transpose8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_transpose10, f90_transpose16, f90_transpose20, f90_transpose32;
+extern QUILLFN_EXPORT f90_Intrinsic f90_transposen;
+
+/* TRANSFER(SOURCE, MOLD, SIZE): Arg1 SOURCE, Arg2 MOLD, of which RANK and ELSIZE are read,
+ * Arg3 SIZE, of 64 bits in the k members, which report as KTRANSFER. A name ends with the
+ * bytes of MOLD's elements. Behind the bytes of SOURCE there are zeros where SIZE is given, and
+ * elsewhere what there was. A scalar SOURCE of a k member has EXTENT 1. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_transfer1, f90_transfer2, f90_transfer4, f90_transfer8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_transfer10, f90_transfer16, f90_transfer20, f90_transfer32;
+extern QUILLFN_EXPORT f90_Intrinsic f90_transfern;
+extern QUILLFN_EXPORT f90_Intrinsic f90_ktransfer1, f90_ktransfer2, f90_ktransfer4, f90_ktransfer8;
+extern QUILLFN_EXPORT f90_Intrinsic f90_ktransfer10, f90_ktransfer16, f90_ktransfer20, f90_ktransfer32;
+extern QUILLFN_EXPORT f90_Intrinsic f90_ktransfern;
+
 /* ---- MATMUL --------------------------------------------------------------- */
 
 /* MATMUL(MATRIX_A, MATRIX_B): Arg1 MATRIX_A, Arg2 MATRIX_B, both of the entry's type:

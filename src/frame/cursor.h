@@ -11,7 +11,7 @@ struct Cursor {
     Bytes at;          // the next element
     std::int32_t left; // elements from there to the end of the run; 0 of an empty operand
     Nest<1> nest;      // at least one level
-    std::int32_t remaining[f90_MaxRank]; // steps left at each level but the first
+    std::int32_t remaining[most_levels]; // steps left at each level but the first
 
     std::ptrdiff_t step() const { return nest.levels[0].step.by[0]; }
 };
@@ -25,16 +25,23 @@ inline Cursor walk_along(Bytes first, std::ptrdiff_t step, std::int32_t count) {
     return cursor;
 }
 
-// The elements of array in their order, by its own steps.
-inline Cursor walk_over(const f90_ArrDesc &array) {
-    Cursor cursor;
-    for (int i = 0; i < array.RANK; ++i)
-        add_dimension(cursor.nest, {extent(array.Dim[i]), {{byte_step(array, i)}}});
+// To the first element, of a nest that is complete but for its least level.
+[[gnu::always_inline]] inline void start(Cursor &cursor, Bytes first) {
     if (cursor.nest.depth == 0) append_level(cursor.nest, {1, {{0}}});
     for (int l = 1; l < cursor.nest.depth; ++l)
         cursor.remaining[l] = cursor.nest.levels[l].count - 1;
-    cursor.at = base(array);
+    cursor.at = first;
     cursor.left = cursor.nest.empty ? 0 : cursor.nest.levels[0].count;
+}
+
+// The elements of array in their order, by its own steps; of each the parts that `within`
+// tells.
+inline Cursor walk_over(const f90_ArrDesc &array, const Run<1> &within = {1, {}}) {
+    Cursor cursor;
+    add_dimension(cursor.nest, within);
+    for (int i = 0; i < array.RANK; ++i)
+        add_dimension(cursor.nest, {extent(array.Dim[i]), {{byte_step(array, i)}}});
+    start(cursor, base(array));
     return cursor;
 }
 

@@ -83,19 +83,36 @@ template <int upper, class V> V interleaved(const V &a, const V &b) {
     (std::make_integer_sequence<int, count>());
 }
 
+// The same within each 16 bytes, where shuffles are cheap.
+template <int upper, class V> V interleaved_within(const V &a, const V &b) {
+    constexpr int count = sizeof(V) / sizeof(a[0]);
+    constexpr int part = 16 / sizeof(a[0]);
+    return [&]<int... i>(std::integer_sequence<int, i...>) {
+        return __builtin_shufflevector(
+            a, b, i / part * part + (upper * part + i % part) / 2 + i % 2 * count...);
+    }
+    (std::make_integer_sequence<int, count>());
+}
+
+// A matrix of elements, a row in each vector, transposed, so that its columns follow each
+// other. Of vectors of more than 16 bytes, these are that many matrices side by side.
+template <class V, int count> void transpose_within(V (&rows)[count]) {
+    for (int stage = 1; stage < count; stage *= 2) {
+        V next[count];
+        for (int i = 0; i < count / 2; ++i) {
+            next[2 * i] = interleaved_within<0>(rows[i], rows[i + count / 2]);
+            next[2 * i + 1] = interleaved_within<1>(rows[i], rows[i + count / 2]);
+        }
+        for (int i = 0; i < count; ++i) rows[i] = next[i];
+    }
+}
+
 // A square of elements, as many vectors as each has lanes, transposed: in vectors of 16
 // bytes, or of four elements of 8.
 template <class V, int side> void transpose(V (&rows)[side]) {
     static_assert(sizeof(V) == side * sizeof(rows[0][0]) && (sizeof(V) == 16 || side == 4));
     if constexpr (sizeof(V) == 16) {
-        for (int stage = 1; stage < side; stage *= 2) {
-            V next[side];
-            for (int i = 0; i < side / 2; ++i) {
-                next[2 * i] = interleaved<0>(rows[i], rows[i + side / 2]);
-                next[2 * i + 1] = interleaved<1>(rows[i], rows[i + side / 2]);
-            }
-            for (int i = 0; i < side; ++i) rows[i] = next[i];
-        }
+        transpose_within(rows);
     } else { // shuffles are cheap within 16 bytes
         const V even = __builtin_shufflevector(rows[0], rows[1], 0, 4, 2, 6);
         const V odd = __builtin_shufflevector(rows[0], rows[1], 1, 5, 3, 7);

@@ -2,9 +2,10 @@
 // that the name of an entry tells is a template parameter of the loops over a run.
 #pragma once
 
+#include "frame/cursor.h"
 #include "frame/lanes.h"
-#include "frame/walk.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace quill {
@@ -42,6 +43,18 @@ inline void copy_bytes(Bytes to, ConstBytes from, std::size_t count) {
     }
 }
 
+// Fills `bytes` with the first `pattern` of them, over and over. What stands already is copied
+// on, in parts that stay in the nearest cache.
+inline void copy_on(Bytes to, std::size_t pattern, std::size_t bytes) {
+    constexpr std::size_t near = 4096;
+    std::size_t part = pattern;
+    for (std::size_t done = pattern; done < bytes; done += part) {
+        if (done < near) part = done;
+        if (part > bytes - done) part = bytes - done;
+        copy_bytes(to + done, to, part);
+    }
+}
+
 // ---- Runs of elements -------------------------------------------------------------
 
 // In place of a size that the name of an entry tells: ELSIZE.
@@ -69,15 +82,8 @@ void repeat_element(Bytes to, ConstBytes from, std::int32_t size, std::int32_t c
         std::memcpy(&element, from, Size);
         for (std::int32_t i = 0; i < count; ++i) std::memcpy(to + i * Size, &element, Size);
     } else {
-        constexpr std::size_t near = 4096;
-        const std::size_t bytes = bytes_of(count, size);
         move_element<Size>(to, from, size);
-        auto part = static_cast<std::size_t>(size);
-        for (std::size_t done = part; done < bytes; done += part) {
-            if (done < near) part = done;
-            if (part > bytes - done) part = bytes - done;
-            copy_bytes(to + done, to, part);
-        }
+        copy_on(to, bytes_of(1, size), bytes_of(count, size));
     }
 }
 
@@ -122,6 +128,43 @@ inline void move_run(const Elements &elements, Bytes to, std::ptrdiff_t to_step,
         copy_bytes(to, from, bytes_of(count, elements.elsize)); // without the way to the loops
     else if (count > 0)
         elements.move_run(elements.elsize, to, to_step, from, from_step, count);
+}
+
+// The loops for elements of `size` bytes.
+inline MoveRun *move_run_of(std::int32_t size) {
+    switch (size) {
+    case 1:
+        return move_run<1>;
+    case 2:
+        return move_run<2>;
+    case 4:
+        return move_run<4>;
+    case 8:
+        return move_run<8>;
+    case 10:
+        return move_run<10>;
+    case 16:
+        return move_run<16>;
+    case 20:
+        return move_run<20>;
+    case 32:
+        return move_run<32>;
+    default:
+        return move_run<any_size>;
+    }
+}
+
+// Elements of `size` bytes, all of which are moved.
+inline Elements elements_of(std::int32_t size) { return {size, move_run_of(size)}; }
+
+// The next `count` elements of two walks.
+inline void move_stream(const Elements &elements, Cursor &to, Cursor &from, std::int32_t count) {
+    while (const std::int32_t part = std::min({count, to.left, from.left})) {
+        move_run(elements, to.at, to.step(), from.at, from.step(), part);
+        advance(to, part);
+        advance(from, part);
+        count -= part;
+    }
 }
 
 // ---- Sections -------------------------------------------------------------------

@@ -17,10 +17,13 @@ template <int Operands> struct Run {
     Steps<Operands> step;
 };
 
+// The dimensions of an array, and one more within its elements or between them.
+constexpr int most_levels = f90_MaxRank + 1;
+
 template <int Operands> struct Nest {
     // `depth` of them are set, each of at least two elements, the fastest first;
     // none at all is a single element.
-    Run<Operands> levels[f90_MaxRank];
+    Run<Operands> levels[most_levels];
     int depth = 0;
     bool empty = false;
 };
@@ -73,7 +76,7 @@ template <int Operands, class Visit>
 void for_each_outer(const Nest<Operands> &nest, Positions<Operands> positions, Visit visit) {
     const Run<Operands> single_element = {1, {}};
     const Run<Operands> &run = nest.depth == 0 ? single_element : nest.levels[0];
-    std::int32_t remaining[f90_MaxRank];
+    std::int32_t remaining[most_levels];
     for (int l = 1; l < nest.depth; ++l) remaining[l] = nest.levels[l].count - 1;
     while (visit(positions, run)) {
         int l = 1;
