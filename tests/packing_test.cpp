@@ -5,9 +5,6 @@
 
 #include <gtest/gtest.h>
 
-namespace test {
-extern int spaces_taken, spaces_given_back;
-}
 extern "C" void fortran_packing(int what, int n, int rows, int size, int length, const int *mask,
                                 const void *array, const void *vector, void *result);
 
@@ -19,38 +16,18 @@ f90_Intrinsic *const members[][9] = {{f90_pack1, f90_pack2, f90_pack4, f90_pack8
                                      {f90_unpack1, f90_unpack2, f90_unpack4, f90_unpack8,
                                       f90_unpack10, f90_unpack16, f90_unpack20, f90_unpack32,
                                       f90_unpackn}};
-const int sizes[] = {1, 2, 4, 8, 10, 16, 20, 32, 0, 1, 3, 8, 12, 24, 100}; // from 0 on of n
-
-// An operand full of noise, between inaccessible pages and close to one side of them.
-struct Operand : Array {
-    Guarded pages;
-
-    Operand(Random &random, int k, const Shape &extents, bool spaced)
-        : Array(make_array(random, extents, std::max(sizes[k], 1), spaced,
-                           k < 8 ? std::min(4, sizes[k] & -sizes[k]) : 1)),
-          pages(storage.size()) {
-        const int ahead = coin(random) ? 0 : pages.size - storage.size();
-        for (std::ptrdiff_t &offset : offsets) offset += ahead;
-        descriptor.BASE = size() == 0 ? nullptr : at(0);
-        descriptor.ELSIZE = sizes[k];
-        if (extents.empty()) descriptor.EXTENT = pick(random, 0, 1);
-        unsigned any = random();
-        for (auto *b = pages.begin(); b < pages.end();) *b++ = std::byte((any += 0x9E3779B1) >> 24);
-    }
-    std::byte *at(std::size_t i) const { return pages.begin() + offsets[i]; }
-};
 
 // ARRAY, or FIELD, has `shape`. FIELD may be a scalar, and so may MASK of PACK.
 void try_call(Random &random, int k, bool unpack) {
     RandomResult result(random, {}, 1, true);
     const bool checked = coin(random), create = result.create, scalar = pick(random, 0, 3) == 0;
     const int spaced = std::array{0, 0, 1 << pick(random, 0, 3), 15}[pick(random, 0, 3)];
-    const int spare = coin(random) ? 0 : pick(random, 1, 50), size = sizes[k];
+    const int spare = coin(random) ? 0 : pick(random, 1, 50), size = moved_sizes[k];
     const Shape shape = pick(random, 0, 7) ? random_shape(random) : Shape{pick(random, 300, 3000)};
     const Shape other = checked ? shape : Shape(shape.rbegin(), shape.rend());
     Shape extents = unpack && !create && !checked ? random_shape(random) : other; // of the result
-    Operand array(random, k, unpack && scalar ? Shape{} : shape, spaced & 1);
-    Operand mask(random, 2, !unpack && scalar ? Shape{} : other, spaced & 2);
+    GuardedArray array(random, k, unpack && scalar ? Shape{} : shape, spaced & 1);
+    GuardedArray mask(random, 2, !unpack && scalar ? Shape{} : other, spaced & 2);
     const bool high = unpack && mask.descriptor.NONCONTIG && coin(random); // true words lack bit 0
     std::vector<int> words(std::min(elements(shape), unpack ? elements(extents) : ~0U));
     const int share = std::array{0, 1, 32, 63, 64}[pick(random, 0, 4)];
@@ -62,10 +39,10 @@ void try_call(Random &random, int k, bool unpack) {
     }
     const int n = words.size(), count = n - std::count(words.begin(), words.end(), 0);
     const int length = !unpack && coin(random) ? 0 : count + spare;
-    Operand vector(random, k, {unpack ? count : count + spare}, spaced & 4);
+    GuardedArray vector(random, k, {unpack ? count : count + spare}, spaced & 4);
     vector.descriptor.EXTENT = high ? 0 : length; // by bits 0, which the check counts
     if (!unpack) extents = {length > 0 ? length : count + (create ? 0 : spare)};
-    Operand given(random, k, extents, spaced & 8);
+    GuardedArray given(random, k, extents, spaced & 8);
     result.given = given;
     result.before.assign(given.pages.begin(), given.pages.end());
     Call call = Call().array(unpack ? 3 : 1, array.descriptor).array(2, mask.descriptor);

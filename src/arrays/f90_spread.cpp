@@ -106,7 +106,9 @@ void spread(const f90_ArgList *list, MoveRun *move_run) {
     if ((source.EXTENT == 0 && source.RANK > 0) || call.copies == 0) return;
 
     const Elements elements = {source.ELSIZE, move_run};
-    if (source.RANK > 0 && source.NONCONTIG == 0 && result.NONCONTIG == 0)
+    if (source.RANK == 0)
+        quill::move_run(elements, base(result), byte_step(result, 0), base(source), 0, call.copies);
+    else if (source.NONCONTIG == 0 && result.NONCONTIG == 0)
         spread_dense(elements, call, result);
     else
         spread_walked(elements, call, result);

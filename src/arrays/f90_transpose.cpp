@@ -24,9 +24,9 @@ template <std::int32_t Size> void transpose_matrix(const f90_ArgList *list) {
     if (checks_wanted(*list) && result_given(*list)) check(result, {2, {columns, rows}});
     if (!result_given(*list)) create(result, {2, {columns, rows}}, matrix.ELSIZE);
     if (rows == 0 || columns == 0) return;
-    move_matrix<Size>(matrix.ELSIZE, {rows, {{step<Size>(result, 1), step<Size>(matrix, 0)}}},
-                      {columns, {{step<Size>(result, 0), step<Size>(matrix, 1)}}}, base(result),
-                      base(matrix));
+    MoveMatrix *const move = Size == any_size ? move_matrix_of(matrix.ELSIZE) : move_matrix<Size>;
+    move(matrix.ELSIZE, {rows, {{step<Size>(result, 1), step<Size>(matrix, 0)}}},
+         {columns, {{step<Size>(result, 0), step<Size>(matrix, 1)}}}, base(result), base(matrix));
 }
 
 } // namespace

@@ -72,19 +72,24 @@ template <class Size> std::size_t bytes_of(std::int32_t count, Size size) {
     return static_cast<std::size_t>(count) * static_cast<std::size_t>(size);
 }
 
-// Makes count elements without gaps out of the one at `from`. Of a size that the processor
-// has a type for this is a loop for vectors; of others what stands already is copied on, in
-// parts that stay in the nearest cache.
+// Makes count elements without gaps out of the one at `from`. Of a size that divides a vector
+// whole vectors are stored, the last of them up to the end.
 template <std::int32_t Size>
 void repeat_element(Bytes to, ConstBytes from, std::int32_t size, std::int32_t count) {
-    if constexpr (Size == 1 || Size == 2 || Size == 4 || Size == 8) {
-        SignedOfSize<Size> element;
-        std::memcpy(&element, from, Size);
-        for (std::int32_t i = 0; i < count; ++i) std::memcpy(to + i * Size, &element, Size);
-    } else {
-        move_element<Size>(to, from, size);
-        copy_on(to, bytes_of(1, size), bytes_of(count, size));
+    const std::size_t bytes = bytes_of(count, size);
+    move_element<Size>(to, from, size);
+    if constexpr (Size == 1 || Size == 2 || Size == 4 || Size == 8 || Size == 16) {
+        if (bytes >= sizeof(SixteenBytes)) {
+            SixteenBytes pattern;
+            for (std::size_t i = 0; i < sizeof pattern; i += Size)
+                std::memcpy(reinterpret_cast<Bytes>(&pattern) + i, from, Size);
+            for (std::size_t i = 0; i < bytes - sizeof pattern; i += sizeof pattern)
+                std::memcpy(to + i, &pattern, sizeof pattern);
+            std::memcpy(to + bytes - sizeof pattern, &pattern, sizeof pattern);
+            return;
+        }
     }
+    copy_on(to, bytes_of(1, size), bytes);
 }
 
 // A function of its own: beside calls the compiler would keep its counter in memory.
@@ -130,7 +135,7 @@ inline void move_run(const Elements &elements, Bytes to, std::ptrdiff_t to_step,
         elements.move_run(elements.elsize, to, to_step, from, from_step, count);
 }
 
-// The loops for elements of `size` bytes.
+// The loops for elements of `size` bytes: reals of 10 bytes and pairs of them take 12 and 24.
 inline MoveRun *move_run_of(std::int32_t size) {
     switch (size) {
     case 1:
