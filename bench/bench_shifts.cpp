@@ -138,19 +138,10 @@ void compete(Table &table, const Row &row, const Shape &shape) {
         list.Arg4 = slot(dim);
     }
 
-    const auto peer_call = [&](Peer *peer, Contestant contestant) {
-        return repeated([=, to = storage.results[contestant]] {
-            peer(storage.first, storage.second, storage.third, count, shape.columns, 0, to);
-        });
-    };
     const bool moves_lines = dim == 1 && row.stride == 1 && &row.shapes != &ten;
-    run(table, {full_name(row.name, shape),
-                shape.size,
-                {repeated([&] { row.ours(&list); }), peer_call(row.peers.o2, PeerO2),
-                 peer_call(row.peers.o3, PeerO3), moves_lines ? copies(bytes) : Repeated()},
-                same_bytes(bytes),
-                Rival::Better,
-                "memcpy"});
+    run_move(table,
+             {full_name(row.name, shape), shape.size, row.ours, &list, row.peers, count,
+              shape.columns, 0, same_bytes(bytes), moves_lines ? copies(bytes) : Repeated()});
 }
 
 } // namespace

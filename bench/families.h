@@ -11,5 +11,7 @@ void bench_dot_product(Table &table);
 void bench_matmul(Table &table);
 void bench_shifts(Table &table);
 void bench_packing(Table &table);
+void bench_shaping(Table &table);
+void bench_transfer(Table &table);
 
 } // namespace bench

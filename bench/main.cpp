@@ -39,6 +39,8 @@ int main(int argc, char **argv) {
     bench::bench_matmul(table);
     bench::bench_shifts(table);
     bench::bench_packing(table);
+    bench::bench_shaping(table);
+    bench::bench_transfer(table);
     if (table.rows == 0) {
         std::fprintf(stderr, "no row's name contains \"%s\"\n", table.filter);
         return EXIT_FAILURE;

@@ -1,4 +1,5 @@
-// The storage of rows that move elements, memcpy's part, and the comparison of results.
+// The storage of rows that move elements, memcpy's part, the comparison of results, and the
+// contest.
 #include "moving_rows.h"
 
 #include <cstring>
@@ -33,6 +34,24 @@ std::function<bool(Contestant)> same_bytes(std::size_t bytes) {
         const void *expected = peer == Reference ? storage.first : storage.results[Ours];
         return std::memcmp(storage.results[peer], expected, bytes) == 0;
     };
+}
+
+void run_move(Table &table, const Move &move) {
+    const Storage &storage = shared_storage();
+    const auto peer_call = [&](Peer *peer, Contestant contestant) {
+        return repeated([=, rows = move.rows, columns = move.columns, count = move.count,
+                         to = storage.results[contestant]] {
+            peer(storage.first, storage.second, storage.third, rows, columns, count, to);
+        });
+    };
+    const auto our_call = repeated([ours = move.ours, list = move.list] { ours(list); });
+    run(table, {move.name,
+                move.size,
+                {our_call, peer_call(move.peers.o2, PeerO2), peer_call(move.peers.o3, PeerO3),
+                 move.reference},
+                move.agrees,
+                Rival::Better,
+                "memcpy"});
 }
 
 } // namespace bench::moving

@@ -35,4 +35,19 @@ Repeated copies(std::size_t bytes);
 // Whether a contestant left the same bytes behind as the library.
 std::function<bool(Contestant)> same_bytes(std::size_t bytes);
 
+// A contest whose operands stay the same from call to call.
+struct Move {
+    std::string name;
+    const char *size;
+    f90_Intrinsic *ours;
+    f90_ArgList *list;
+    Peers peers;
+    std::int32_t rows; // these three for the peers
+    std::int32_t columns;
+    std::int32_t count;
+    std::function<bool(Contestant)> agrees;
+    Repeated reference; // may be empty
+};
+void run_move(Table &table, const Move &move);
+
 } // namespace bench::moving

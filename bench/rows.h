@@ -21,6 +21,7 @@ struct Shape {
     std::int32_t rows;
     std::int32_t columns;
     std::int32_t dim;
+    std::int32_t planes = 0; // of rank 3 alone
 
     std::int32_t rows_of(const Kind &element) const {
         return bytes == 0 ? rows : bytes / static_cast<std::int32_t>(element.size());
