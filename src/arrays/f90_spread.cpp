@@ -53,29 +53,40 @@ void copy_run(Bytes to, ConstBytes from, std::size_t bytes, std::int32_t copies)
     }
 }
 
-// What lies below DIM in SOURCE is a run, repeated unchanged. Runs of a single element go
-// element by element, across the runs where there are few copies.
-void spread_dense(const Elements &elements, const Spreading &call, const f90_ArrDesc &result) {
-    constexpr std::int32_t few = 4;
+// Makes of each of `count` adjacent elements a run of copies, one run every `distance` bytes.
+using RepeatEach = void(std::int32_t elsize, Bytes to, std::ptrdiff_t distance, ConstBytes from,
+                        std::int32_t count, std::int32_t copies);
+
+template <std::int32_t Size>
+void repeat_each(std::int32_t elsize, Bytes to, std::ptrdiff_t distance, ConstBytes from,
+                 std::int32_t count, std::int32_t copies) {
+    constexpr std::int32_t few = 4; // the copies in turn, across the runs
+    if (copies <= few) {
+        for (std::int32_t k = 0; k < copies; ++k)
+            move_run<Size>(elsize, to + k * elsize, distance, from, elsize, count);
+        return;
+    }
+    for (std::int32_t i = 0; i < count; ++i) {
+        move_run<Size>(elsize, to, elsize, from, 0, copies);
+        to += distance;
+        from += elsize;
+    }
+}
+
+// What lies below DIM in SOURCE is a run, repeated unchanged.
+void spread_dense(const Spreading &call, const f90_ArrDesc &result, RepeatEach *repeat_each) {
     const f90_ArrDesc &source = call.source;
     std::int32_t length = 1;
     for (int i = 0; i < call.along; ++i) length *= extent(source.Dim[i]);
-    const std::int32_t runs = length == 1 ? source.EXTENT : source.EXTENT / length;
-    const std::size_t bytes = bytes_of(length, elements.elsize);
+    const std::size_t bytes = bytes_of(length, source.ELSIZE);
     const auto distance =
         static_cast<std::ptrdiff_t>(bytes_of(extent(result.Dim[call.along]), bytes));
     Bytes to = base(result);
     Bytes from = base(source);
-    if (length == 1 && call.copies <= few) {
-        for (std::int32_t k = 0; k < call.copies; ++k)
-            move_run(elements, to + k * elements.elsize, distance, from, elements.elsize, runs);
-        return;
-    }
-    for (std::int32_t r = 0; r < runs; ++r) {
-        if (length == 1)
-            move_run(elements, to, elements.elsize, from, 0, call.copies);
-        else
-            copy_run(to, from, bytes, call.copies);
+    if (length == 1)
+        return repeat_each(source.ELSIZE, to, distance, from, source.EXTENT, call.copies);
+    for (std::int32_t r = source.EXTENT / length; r > 0; --r) {
+        copy_run(to, from, bytes, call.copies);
         to += distance;
         from += bytes;
     }
@@ -96,7 +107,7 @@ void spread_walked(const Elements &elements, const Spreading &call, const f90_Ar
     move_section(elements, moves, base(result), base(call.source));
 }
 
-void spread(const f90_ArgList *list, MoveRun *move_run) {
+void spread(const f90_ArgList *list, MoveRun *move_run, RepeatEach *repeat_each) {
     const f90_ArrDesc &source = descriptor(list->Arg1);
     f90_ArrDesc &result = descriptor(list->Result);
     const std::int32_t dim = value(list->Arg2);
@@ -109,9 +120,13 @@ void spread(const f90_ArgList *list, MoveRun *move_run) {
     if (source.RANK == 0)
         quill::move_run(elements, base(result), byte_step(result, 0), base(source), 0, call.copies);
     else if (source.NONCONTIG == 0 && result.NONCONTIG == 0)
-        spread_dense(elements, call, result);
+        spread_dense(call, result, repeat_each);
     else
         spread_walked(elements, call, result);
+}
+
+template <std::int32_t Size> void spread(const f90_ArgList *list) {
+    spread(list, move_run<Size>, repeat_each<Size>);
 }
 
 } // namespace
@@ -119,14 +134,14 @@ void spread(const f90_ArgList *list, MoveRun *move_run) {
 
 extern "C" {
 
-void f90_spread1(f90_ArgList *list) { quill::spread(list, quill::move_run<1>); }
-void f90_spread2(f90_ArgList *list) { quill::spread(list, quill::move_run<2>); }
-void f90_spread4(f90_ArgList *list) { quill::spread(list, quill::move_run<4>); }
-void f90_spread8(f90_ArgList *list) { quill::spread(list, quill::move_run<8>); }
-void f90_spread10(f90_ArgList *list) { quill::spread(list, quill::move_run<10>); }
-void f90_spread16(f90_ArgList *list) { quill::spread(list, quill::move_run<16>); }
-void f90_spread20(f90_ArgList *list) { quill::spread(list, quill::move_run<20>); }
-void f90_spread32(f90_ArgList *list) { quill::spread(list, quill::move_run<32>); }
-void f90_spreadn(f90_ArgList *list) { quill::spread(list, quill::move_run<quill::any_size>); }
+void f90_spread1(f90_ArgList *list) { quill::spread<1>(list); }
+void f90_spread2(f90_ArgList *list) { quill::spread<2>(list); }
+void f90_spread4(f90_ArgList *list) { quill::spread<4>(list); }
+void f90_spread8(f90_ArgList *list) { quill::spread<8>(list); }
+void f90_spread10(f90_ArgList *list) { quill::spread<10>(list); }
+void f90_spread16(f90_ArgList *list) { quill::spread<16>(list); }
+void f90_spread20(f90_ArgList *list) { quill::spread<20>(list); }
+void f90_spread32(f90_ArgList *list) { quill::spread<32>(list); }
+void f90_spreadn(f90_ArgList *list) { quill::spread<quill::any_size>(list); }
 
 } // extern "C"

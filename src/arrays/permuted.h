@@ -145,10 +145,14 @@ inline MoveMatrix *move_matrix_of(std::int32_t size) {
         return move_matrix<8>;
     case 10:
         return move_matrix<10>;
+    case 12:
+        return move_matrix<12>;
     case 16:
         return move_matrix<16>;
     case 20:
         return move_matrix<20>;
+    case 24:
+        return move_matrix<24>;
     case 32:
         return move_matrix<32>;
     default:

@@ -148,10 +148,14 @@ inline MoveRun *move_run_of(std::int32_t size) {
         return move_run<8>;
     case 10:
         return move_run<10>;
+    case 12:
+        return move_run<12>;
     case 16:
         return move_run<16>;
     case 20:
         return move_run<20>;
+    case 24:
+        return move_run<24>;
     case 32:
         return move_run<32>;
     default:
