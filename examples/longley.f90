@@ -1,6 +1,6 @@
 ! Reduces Longley's table of economic series in every numeric kind (sums, products,
 ! extrema and their places, dot products, counts and conditions), multiplies matrices
-! of every kind and shifts, packs and unpacks the table, once with the compiler's own
+! of every kind and shifts, packs, reshapes and transposes the table, once with the compiler's own
 ! intrinsics and once with the library, and fails when a pair differs by more than
 ! rounding allows.
 ! Then it fits employment by the other series and fails when the widest kind does not
@@ -35,6 +35,13 @@ program longley
     use moved_real8
     use moved_real10
     use moved_real16
+    use shaped_character20, only: compare_shapes_of_labels => compare_shapes
+    use shaped_character7, only: compare_shapes
+    use shaped_integer4
+    use shaped_real4
+    use shaped_real8
+    use shaped_real10
+    use shaped_real16
     use regression
     use regression_real8
     use regression_real10
@@ -80,6 +87,9 @@ program longley
     call products_of_moves
     call changes_from_year_to_year
     call years_above_mean
+    call deviations_from_mean
+    call years_in_rows
+    call bytes_of_numbers
     call moved_elements
     call regression_of_employment
     call judge
@@ -518,6 +528,44 @@ contains
     end subroutine
 
     ! Lags bring the greatest rise of each series to the same row.
+    subroutine deviations_from_mean
+        real(8) :: means(years, series), deviations(series, years)
+        character(7) :: labels(years)
+        integer :: i
+
+        call print_title('Deviations from the mean of each series, in per cent', &
+            'SPREAD(means, 1, years) beside the table, and a line for each year by TRANSPOSE, by the library.')
+        means = library_spread(sum(real8, 1) / years, 1, years)
+        deviations = library_transpose(100 * (real8 - means) / means)
+        labels = year_labels(1)
+        print '(6x,*(a13))', adjustr(names)
+        print '(2x,a4,7f13.2)', (labels(i), deviations(:, i), i = 1, years)
+    end subroutine
+
+    subroutine years_in_rows
+        integer, parameter :: in_row = 5
+        integer(4) :: rows(in_row, (years + in_row - 1) / in_row)
+
+        call print_title('The years in rows of five', &
+            'RESHAPE(table(:, year), [5, 4], PAD=[0]) by the library.')
+        rows = library_reshape(int4(:, series), shape(rows), [0])
+        if (any(pack(rows, rows /= 0) /= int4(:, series))) call give_up('the years have moved')
+        print '(2x,*(i6))', rows(:, 1)
+        print '(2x,5i6)', rows(:, 2:)
+    end subroutine
+
+    subroutine bytes_of_numbers
+        real(8) :: first_year(1)
+
+        call print_title('The first year in storage', &
+            'TRANSFER of it as REAL(8) to bytes, the least significant first, and back, by the library.')
+        associate (bytes => library_bytes(real8(1, series)))
+            first_year = library_elements(bytes, 0.0_8, 1)
+            print '(2x,f7.1,a,*(1x,z2.2))', real8(1, series), ':', bytes
+        end associate
+        if (first_year(1) /= real8(1, series)) call give_up('the first year does not come back')
+    end subroutine
+
     subroutine moved_elements
         character(7) :: texts(years, series)
         character(20) :: labels(years, series)
@@ -537,6 +585,13 @@ contains
         call compare_moves('REAL(16)', real16, above, lags)
         call compare_moves('CHARACTER(7)', texts, above, lags)
         call compare_moves_of_labels('CHARACTER(20)', labels, above, lags)
+        call compare_shapes('INTEGER(4)', int4)
+        call compare_shapes('REAL(4)', real4)
+        call compare_shapes('REAL(8)', real8)
+        call compare_shapes('REAL(10)', real10)
+        call compare_shapes('REAL(16)', real16)
+        call compare_shapes('CHARACTER(7)', texts)
+        call compare_shapes_of_labels('CHARACTER(20)', labels)
         call report_moved
     end subroutine
 

@@ -81,7 +81,12 @@ module quillfn_records
         f90_cshift4, f90_cshift8, f90_cshift16, f90_cshift20, f90_cshiftn, &
         f90_eoshift4, f90_eoshift8, f90_eoshift16, f90_eoshift20, f90_eoshiftn, &
         f90_pack4, f90_pack8, f90_pack16, f90_pack20, f90_packn, &
-        f90_unpack4, f90_unpack8, f90_unpack16, f90_unpack20, f90_unpackn
+        f90_unpack4, f90_unpack8, f90_unpack16, f90_unpack20, f90_unpackn, &
+        f90_reshape4, f90_reshape8, f90_reshape16, f90_reshape20, f90_reshapen, f90_kreshape4, &
+        f90_spread4, f90_spread8, f90_spread16, f90_spread20, f90_spreadn, &
+        f90_transpose4, f90_transpose8, f90_transpose16, f90_transpose20, f90_transposen, &
+        f90_transfer4, f90_transfer8, f90_transfer16, f90_transfer20, f90_transfern, &
+        f90_ktransfer4, f90_transfer1, f90_ktransfer1
 
     interface
         subroutine f90_freespace(space) bind(C)
@@ -96,13 +101,13 @@ module quillfn_records
 
 contains
 
-    ! The descriptor of a scalar, vector or matrix of any type. Of an array it takes
+    ! The descriptor of a scalar or an array of any type. Of an array it takes
     ! sections as they lie in storage; there must be elements, and the caller's
     ! variable must have TARGET for as long as the descriptor is used.
     function describe(variable) result(array)
         class(*), intent(in), target :: variable(..)
         type(f90_ArrDesc) :: array
-        integer :: next(2)
+        integer, allocatable :: next(:)
 
         select rank (variable)
         rank (0)
@@ -115,8 +120,14 @@ contains
             next = min(2, shape(variable))
             array = descriptor(address_of(variable(1, 1)), bytes_of(variable(1, 1)), shape(variable), &
                                [address_of(variable(next(1), 1)), address_of(variable(1, next(2)))])
+        rank (3)
+            next = min(2, shape(variable))
+            array = descriptor(address_of(variable(1, 1, 1)), bytes_of(variable(1, 1, 1)), &
+                               shape(variable), [address_of(variable(next(1), 1, 1)), &
+                               address_of(variable(1, next(2), 1)), &
+                               address_of(variable(1, 1, next(3)))])
         rank default
-            error stop 'describe: a scalar, a vector or a matrix is needed'
+            error stop 'describe: an array of rank 3 at the most is needed'
         end select
     end function
 
@@ -228,32 +239,40 @@ contains
         end if
     end subroutine
 
-    ! Calls MATMUL or an intrinsic that moves elements: Arg1, Arg2 and, where there is
-    ! one, Arg3 are arrays or scalars; DIM is Arg3 of some and Arg4 of others. The
-    ! result goes where that of reduce goes.
-    subroutine transform(entry, arg1, arg2, answer, arg3, dim3, dim4)
+    ! Calls MATMUL or an intrinsic that moves elements: Arg1 and, where there are such,
+    ! Arg2 to Arg4 are arrays or scalars; values, such as DIM, are named after their
+    ! slots. The result goes where that of reduce goes.
+    subroutine transform(entry, arg1, arg2, answer, arg3, arg4, value2, value3, value4)
         procedure(f90_Intrinsic) :: entry
-        type(f90_ArrDesc), intent(in), target :: arg1, arg2
+        type(f90_ArrDesc), intent(in), target :: arg1
         type(f90_ArrDesc), intent(inout), target :: answer
-        type(f90_ArrDesc), intent(in), target, optional :: arg3
-        integer(c_int32_t), intent(in), optional :: dim3, dim4
+        type(f90_ArrDesc), intent(in), target, optional :: arg2, arg3, arg4
+        integer(c_int32_t), intent(in), optional :: value2, value3, value4
         type(f90_ArgList) :: arguments
 
         arguments%Flags = check_shapes
-        arguments%Presence = ior(arg1_present, arg2_present)
+        arguments%Presence = arg1_present
         arguments%Result%Word0 = word(answer)
         if (c_associated(answer%BASE)) arguments%Presence = ior(arguments%Presence, result_given)
         arguments%Arg1%Word0 = word(arg1)
-        arguments%Arg2%Word0 = word(arg2)
-        if (present(arg3)) arguments%Arg3%Word0 = word(arg3)
-        if (present(dim3)) arguments%Arg3%Word0 = dim3
-        if (present(arg3) .or. present(dim3)) &
-            arguments%Presence = ior(arguments%Presence, arg3_present)
-        if (present(dim4)) then
-            arguments%Arg4%Word0 = dim4
-            arguments%Presence = ior(arguments%Presence, arg4_present)
-        end if
+        call fill(arguments%Arg2, arg2_present, arg2, value2)
+        call fill(arguments%Arg3, arg3_present, arg3, value3)
+        call fill(arguments%Arg4, arg4_present, arg4, value4)
         call entry(arguments)
+
+    contains
+
+        subroutine fill(slot, bit, array, value)
+            type(f90_Slot), intent(inout) :: slot
+            integer(c_int16_t), intent(in) :: bit
+            type(f90_ArrDesc), intent(in), target, optional :: array
+            integer(c_int32_t), intent(in), optional :: value
+            if (present(array)) slot%Word0 = word(array)
+            if (present(value)) slot%Word0 = value
+            if (present(array) .or. present(value)) &
+                arguments%Presence = ior(arguments%Presence, bit)
+        end subroutine
+
     end subroutine
 
     ! The address of a descriptor, as a slot holds it.
