@@ -563,7 +563,8 @@ contains
             first_year = library_elements(bytes, 0.0_8, 1)
             print '(2x,f7.1,a,*(1x,z2.2))', real8(1, series), ':', bytes
         end associate
-        if (first_year(1) /= real8(1, series)) call give_up('the first year does not come back')
+        if (any(library_bytes(first_year) /= library_bytes(real8(1, series)))) &
+            call give_up('the first year does not come back')
     end subroutine
 
     subroutine moved_elements
