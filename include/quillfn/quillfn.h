@@ -239,7 +239,8 @@ extern QUILLFN_EXPORT f90_Intrinsic f90_spreadn;
 /* TRANSPOSE(MATRIX): Arg1 MATRIX, of rank 2. Stride counts elements, but in the n member
  * units of SCALEFACTOR. */
 extern QUILLFN_EXPORT f90_Intrinsic f90_transpose1, f90_transpose2, f90_transpose4, f90_transpose8;
-extern QUILLFN_EXPORT f90_Intrinsic f90_transpose10, f90_transpose16, f90_transpose20, f90_transpose32;
+extern QUILLFN_EXPORT f90_Intrinsic f90_transpose10, f90_transpose16, f90_transpose20,
+    f90_transpose32;
 extern QUILLFN_EXPORT f90_Intrinsic f90_transposen;
 
 /* TRANSFER(SOURCE, MOLD, SIZE): Arg1 SOURCE, Arg2 MOLD, of which RANK and ELSIZE are read,
@@ -250,7 +251,8 @@ extern QUILLFN_EXPORT f90_Intrinsic f90_transfer1, f90_transfer2, f90_transfer4,
 extern QUILLFN_EXPORT f90_Intrinsic f90_transfer10, f90_transfer16, f90_transfer20, f90_transfer32;
 extern QUILLFN_EXPORT f90_Intrinsic f90_transfern;
 extern QUILLFN_EXPORT f90_Intrinsic f90_ktransfer1, f90_ktransfer2, f90_ktransfer4, f90_ktransfer8;
-extern QUILLFN_EXPORT f90_Intrinsic f90_ktransfer10, f90_ktransfer16, f90_ktransfer20, f90_ktransfer32;
+extern QUILLFN_EXPORT f90_Intrinsic f90_ktransfer10, f90_ktransfer16, f90_ktransfer20,
+    f90_ktransfer32;
 extern QUILLFN_EXPORT f90_Intrinsic f90_ktransfern;
 
 /* ---- MATMUL --------------------------------------------------------------- */

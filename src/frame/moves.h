@@ -3,6 +3,7 @@
 #pragma once
 
 #include "frame/cursor.h"
+#include "frame/elements.h"
 #include "frame/lanes.h"
 
 #include <algorithm>
@@ -72,24 +73,38 @@ template <class Size> std::size_t bytes_of(std::int32_t count, Size size) {
     return static_cast<std::size_t>(count) * static_cast<std::size_t>(size);
 }
 
+// A vector full of the element at `from`, in registers: narrow stores would hold up its load.
+template <std::int32_t Size> auto sixteen_bytes_of(ConstBytes from) {
+    if constexpr (Size == 16) {
+        return load_lanes<SixteenBytes>(from);
+    } else {
+        using Element = std::conditional_t<Size == 8, double, SignedOfSize<Size>>; // one register
+        const auto element = load<Element>(from);
+        return [&]<int... i>(std::integer_sequence<int, i...>) {
+            return Lanes<Element, 16>{(static_cast<void>(i), element)...};
+        }
+        (std::make_integer_sequence<int, 16 / Size>());
+    }
+}
+
 // Makes count elements without gaps out of the one at `from`. Of a size that divides a vector
 // whole vectors are stored, the last of them up to the end.
 template <std::int32_t Size>
 void repeat_element(Bytes to, ConstBytes from, std::int32_t size, std::int32_t count) {
     const std::size_t bytes = bytes_of(count, size);
-    move_element<Size>(to, from, size);
     if constexpr (Size == 1 || Size == 2 || Size == 4 || Size == 8 || Size == 16) {
-        if (bytes >= sizeof(SixteenBytes)) {
-            SixteenBytes pattern;
-            for (std::size_t i = 0; i < sizeof pattern; i += Size)
-                std::memcpy(reinterpret_cast<Bytes>(&pattern) + i, from, Size);
-            for (std::size_t i = 0; i < bytes - sizeof pattern; i += sizeof pattern)
-                std::memcpy(to + i, &pattern, sizeof pattern);
-            std::memcpy(to + bytes - sizeof pattern, &pattern, sizeof pattern);
+        const auto pattern = sixteen_bytes_of<Size>(from);
+        if (bytes < sizeof pattern) {
+            for (std::size_t i = 0; i < bytes; i += Size) std::memcpy(to + i, &pattern, Size);
             return;
         }
+        for (std::size_t i = 0; i < bytes - sizeof pattern; i += sizeof pattern)
+            std::memcpy(to + i, &pattern, sizeof pattern);
+        std::memcpy(to + bytes - sizeof pattern, &pattern, sizeof pattern);
+    } else {
+        move_element<Size>(to, from, size);
+        copy_on(to, bytes_of(1, size), bytes);
     }
-    copy_on(to, bytes_of(1, size), bytes);
 }
 
 // A function of its own: beside calls the compiler would keep its counter in memory.
