@@ -67,6 +67,16 @@ TEST(Transfer, AgreesWithModel) {
     for (int i = random_rounds(4500); i-- && !HasFatalFailure();) try_call(random, i % 15, i % 2);
 }
 
+TEST(Transfer, CreatesElementsOfAnotherSizeForAnEmptyMold) {
+    std::vector<int> words = {1, 2, 3};
+    f90_ArrDesc source = over(words, {3}), mold = shaped({1}, 0), result = shaped({}, 8);
+    Call().created_result(result).array(1, source).array(2, mold).value(3, 2)(f90_transfern);
+    EXPECT_EQ(result.ELSIZE, 8);
+    EXPECT_EQ(result.EXTENT, 2);
+    EXPECT_EQ(std::memcmp(result.BASE, std::array{1, 2, 3, 0}.data(), 16), 0);
+    f90_freespace(result.BASE);
+}
+
 TEST(Transfer, ChecksSizes) {
     const auto negative = [](const std::string &size) {
         return " The SIZE argument has a value " + size + ". Its value should be nonnegative.\n";

@@ -51,8 +51,9 @@ template <std::int32_t Size, int Width> struct Tile {
     }
 };
 
-// Moves a block of at least one tile. Where the last tiles would stand out they begin before
-// the end of the others: what both hold is the same.
+// Moves a block of a matrix of at least one tile. Where the last tiles would stand out of the
+// block they begin before the end of the others, or of the block before: what both hold is the
+// same.
 template <std::int32_t Size> struct MoveTiles {
     template <int Width>
     static void run(Bytes to, std::ptrdiff_t to_step, ConstBytes from, std::ptrdiff_t from_step,
@@ -110,13 +111,9 @@ void move_matrix(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns,
                           columns.count >= Largest::columns;
     if (!by_tiles && rows.count <= side && columns.count <= side)
         return move_block<Size>(elsize, rows, columns, to, from);
-    const std::int32_t least_rows = by_tiles ? Largest::rows : 1;
-    const std::int32_t least_columns = by_tiles ? Largest::columns : 1;
-    for (std::int32_t column = 0; column < columns.count; column += side) {
-        const std::int32_t j = std::min(column, columns.count - least_columns);
+    for (std::int32_t j = 0; j < columns.count; j += side) {
         const std::int32_t width = std::min(side, columns.count - j);
-        for (std::int32_t row = 0; row < rows.count; row += side) {
-            const std::int32_t i = std::min(row, rows.count - least_rows);
+        for (std::int32_t i = 0; i < rows.count; i += side) {
             const std::int32_t height = std::min(side, rows.count - i);
             Bytes block_to = to + i * rows.step.by[0] + j * columns.step.by[0];
             ConstBytes block_from = from + i * rows.step.by[1] + j * columns.step.by[1];
