@@ -1,16 +1,14 @@
-! RESHAPE and SPREAD as the machine's Fortran compiler has them, on dense arrays of elements of n
-! bytes. The result has the extents e; `dim` is 0 for RESHAPE.
-subroutine fortran_reshape(dim, n, elements, pads, e, order, array, pad, moved) bind(C)
+! RESHAPE and SPREAD as the machine's Fortran compiler has them, on dense arrays of elements of
+! n bytes: to a result of rank 3, and of a matrix along each dimension.
+subroutine fortran_reshape(n, size, pads, extents, order, source, pad, result) bind(C)
     use, intrinsic :: iso_c_binding
-    integer(c_int), value :: dim, n, elements, pads
-    integer(c_int) :: e(3), order(3)
-    character(c_char) :: array(*), pad(*), moved(*)
-    call move(array, array, pad, moved)
+    integer(c_int), value :: n, size, pads
+    integer(c_int) :: extents(3), order(3)
+    character(c_char) :: source(*), pad(*), result(*)
+    call move(source, pad, result)
 contains
-    subroutine move(array, matrix, pad, moved)
-        character(n) :: array(elements), pad(pads), moved(e(1), e(2), e(3))
-        character(n) :: matrix(e(merge(2, 1, dim == 1)), e(merge(2, 3, dim == 3)))
-        if (dim == 0) moved = reshape(array, e, pad, order)
-        if (dim > 0) moved = spread(matrix, dim, e(dim))
+    subroutine move(source, pad, result)
+        character(n) :: source(size), pad(pads), result(extents(1), extents(2), extents(3))
+        result = reshape(source, extents, pad, order)
     end subroutine
 end subroutine

@@ -97,6 +97,17 @@ void move_block(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns, 
     }
 }
 
+// Whether tiles of any width can move a matrix.
+template <std::int32_t Size> bool fits_tiles(const Run<2> &rows, const Run<2> &columns) {
+    if constexpr (has_tiles<Size>) {
+        using Widest = Tile<Size, 32>;
+        return rows.step.by[1] == Size && columns.step.by[0] == Size &&
+               rows.count >= Widest::rows && columns.count >= Widest::columns;
+    } else {
+        return false;
+    }
+}
+
 // Moves a matrix: its rows are the faster dimension at the source, its columns in the result.
 using MoveMatrix = void(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns, Bytes to,
                         ConstBytes from);
@@ -105,10 +116,7 @@ template <std::int32_t Size>
 void move_matrix(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns, Bytes to,
                  ConstBytes from) {
     constexpr std::int32_t side = Size < 16 ? 128 : 64; // of a block
-    using Largest = Tile<has_tiles<Size> ? Size : 1, 32>;
-    const bool by_tiles = has_tiles<Size> && rows.step.by[1] == Size &&
-                          columns.step.by[0] == Size && rows.count >= Largest::rows &&
-                          columns.count >= Largest::columns;
+    const bool by_tiles = fits_tiles<Size>(rows, columns);
     if (!by_tiles && rows.count <= side && columns.count <= side)
         return move_block<Size>(elsize, rows, columns, to, from);
     for (std::int32_t j = 0; j < columns.count; j += side) {
