@@ -44,8 +44,8 @@ struct GuardedArray : Array {
         const int ahead = coin(random) ? 0 : pages.size - storage.size();
         for (std::ptrdiff_t &offset : offsets) offset += ahead;
         auto *const first = size() == 0 ? nullptr : at(0);
-        descriptor.ZERO = first + (static_cast<std::byte *>(descriptor.ZERO) -
-                                   static_cast<std::byte *>(descriptor.BASE));
+        const auto moved = std::uintptr_t(first) - std::uintptr_t(descriptor.BASE);
+        descriptor.ZERO = reinterpret_cast<void *>(std::uintptr_t(descriptor.ZERO) + moved);
         descriptor.BASE = first;
         descriptor.ELSIZE = moved_sizes[k];
         if (extents.empty()) descriptor.EXTENT = pick(random, 0, 1);
