@@ -3,7 +3,6 @@
 #pragma once
 
 #include "frame/cursor.h"
-#include "frame/elements.h"
 #include "frame/lanes.h"
 
 #include <algorithm>
@@ -79,7 +78,8 @@ template <std::int32_t Size> auto sixteen_bytes_of(ConstBytes from) {
         return load_lanes<SixteenBytes>(from);
     } else {
         using Element = std::conditional_t<Size == 8, double, SignedOfSize<Size>>; // one register
-        const auto element = load<Element>(from);
+        Element element;
+        std::memcpy(&element, from, Size);
         return [&]<int... i>(std::integer_sequence<int, i...>) {
             return Lanes<Element, 16>{(static_cast<void>(i), element)...};
         }
