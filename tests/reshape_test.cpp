@@ -108,6 +108,21 @@ TEST(Reshape, AgreesWithModelAndFortran) {
     for (int i = random_rounds(3000); i-- && !HasFatalFailure();) try_call(random, i % 15, i % 2);
 }
 
+TEST(Reshape, WantsAnOrderOfRank1) {
+    Random random(random_seed());
+    std::vector<int> words(4);
+    Integers shape(random, {2, 2}), order(random, {2, 1});
+    f90_ArrDesc source = over(words, {4}), result = {};
+    order.descriptor.RANK = 2;
+    order.descriptor.Dim[1] = {1, 1, 2};
+    const std::string shapes = " Array arguments SHAPE and ORDER should have the same shape.\n"
+                               " The shape of argument SHAPE is: (2).\n"
+                               " The shape of argument ORDER is: (2, 1).\n";
+    Call call = Call().checked().created_result(result).array(1, source);
+    call.array(2, shape.descriptor).array(4, order.descriptor);
+    EXPECT_EQ(fatal_message([&] { call(f90_reshape4); }), report("RESHAPE", shapes));
+}
+
 TEST(Reshape, ValidatesInOrder) {
     const auto size_of_shape = [](const std::string &size) {
         return " The SHAPE argument has size " + size +

@@ -21,12 +21,17 @@ std::vector<std::byte *> stream(const GuardedArray &array, int size) {
 }
 
 void try_call(Random &random, int k, bool wide) {
-    const int of = pick(random, 0, 14), size = moved_sizes[of], moved = moved_sizes[k];
-    const int spaced = std::array{0, 1, 2, 3}[pick(random, 0, 3)];
+    const int of = pick(random, 0, 14), spaced = pick(random, 0, 3);
+    const auto part_of = [&](int i, bool room) { // elements may be parts of what lies there
+        return room && pick(random, 0, 2) == 0 ? pick(random, 0, moved_sizes[i]) : moved_sizes[i];
+    };
+    const int size = part_of(of, spaced & 1), moved = part_of(k, k >= 8 && spaced & 2);
     const bool sized = coin(random) || moved == 0, scalar = coin(random);
     GuardedArray source(random, of, pick(random, 0, 3) ? random_shape(random) : Shape{},
                         spaced & 1);
+    source.descriptor.ELSIZE = size;
     if (source.shape.empty() && wide) source.descriptor.EXTENT = 1;
+    mprotect(source.pages.begin(), source.pages.size, PROT_READ);
     const int offered = source.size() * size, needed = moved ? (offered + moved - 1) / moved : 3;
     const int n = sized    ? std::max(std::array{0, needed, needed - 1, needed / 2,
                                               needed + pick(random, 1, 9)}[pick(random, 0, 4)],
@@ -34,6 +39,7 @@ void try_call(Random &random, int k, bool wide) {
                   : scalar ? 1
                            : needed;
     GuardedArray given(random, k, sized || !scalar ? Shape{n} : Shape{}, spaced & 2);
+    given.descriptor.ELSIZE = moved;
     if (given.shape.empty()) given.descriptor.EXTENT = 1;
     f90_ArrDesc mold = shaped(scalar ? Shape{} : Shape{7}, moved);
     RandomResult result(random, {}, 1, true);
@@ -45,7 +51,9 @@ void try_call(Random &random, int k, bool wide) {
     if (wide) call.list.Arg3.Word1 = 0;
     result.attach(call);
     const bool whole = given.descriptor.NONCONTIG != 0 && size == moved; // by the member's size
+    const int taken = spaces_taken;
     call(members[wide][coin(random) || whole ? std::min(k, 8) : pick(random, 0, 8)]);
+    ASSERT_EQ(spaces_taken - taken, result.create); // and none in between
     ASSERT_EQ(spaces_taken - spaces_given_back, result.create);
 
     result.given.storage.assign(given.pages.begin(), given.pages.end());
@@ -58,7 +66,7 @@ void try_call(Random &random, int k, bool wide) {
         ASSERT_EQ(there, i < offered ? *from[i] : behind) << "byte " << i;
     }
     const bool single = result.create && given.shape.empty(); // has bounds too
-    ASSERT_EQ(single ? result.created.Dim[0].Upper : 1, 1);
+    ASSERT_TRUE(!single || (result.created.Dim[0].Lower == 1 && result.created.Dim[0].Upper == 1));
     ASSERT_EQ(result.complaint(moved), "");
 }
 
@@ -113,5 +121,31 @@ TEST(Transfer, ChecksSizes) {
                                    : report("TRANSFER", text))
                 << &c - cases;
         }
+}
+
+// Results without bytes, so that counts beyond 32 bits can be told and nothing moves.
+TEST(Transfer, ComparesCountsOf64Bits) {
+    struct {
+        int flags, offered, mold, high, low, extent; // SIZE is absent when low is -1
+        bool reported;
+    } cases[] = {{1, 0, 1, 1, 5, 5, false}, // SIZE by its low word
+                 {1, 0, 1, 1, 5, 6, true},
+                 {1, 0, 1, INT32_MIN, 0, 0, true},
+                 {1, 0, 1, 0, INT32_MIN, INT32_MIN, false},
+                 {1, (1 << 30) + 5, 1, 0, -1, 40, true}, // what SOURCE makes by all bits
+                 {1, 1 << 30, 8, 0, -1, 1 << 30, false},
+                 {~1, 0, 1, 0, 2, 3, false},
+                 {1, 0, 1, 0, -1, 3, true},
+                 {~1, 0, 1, 0, -1, 3, false}};
+    for (auto &c : cases) {
+        f90_ArrDesc source = shaped({c.offered}, 8), mold = shaped({1}, c.mold);
+        f90_ArrDesc result = shaped({c.extent}, 0);
+        Call call = Call().array(0, result).array(1, source).array(2, mold);
+        call.slot(3, c.low, c.low != -1).list.Arg3.Word1 = c.high;
+        call.list.Flags = c.flags;
+        EXPECT_EQ(fatal_message([&] { call(f90_ktransfern); }),
+                  c.reported ? report_of_unknown("KTRANSFER") : "status 0: ")
+            << &c - cases;
+    }
 }
 } // namespace

@@ -66,7 +66,10 @@ void try_call(Random &random, int k) {
     Call call = Call().array(1, matrix.descriptor);
     call.list.Flags = random();
     result.attach(call);
+    mprotect(matrix.pages.begin(), matrix.pages.size, PROT_READ);
+    const int taken = spaces_taken;
     call(members[std::min(k, 8)]);
+    ASSERT_EQ(spaces_taken - taken, result.create); // and none in between
     ASSERT_EQ(spaces_taken - spaces_given_back, result.create);
     result.given.storage.assign(given.pages.begin(), given.pages.end());
     for (std::size_t i = 0; i < given.size(); ++i) {
