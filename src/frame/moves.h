@@ -78,8 +78,8 @@ template <std::int32_t Size> auto sixteen_bytes_of(ConstBytes from) {
         return load_lanes<SixteenBytes>(from);
     } else {
         using Element = std::conditional_t<Size == 8, double, SignedOfSize<Size>>; // one register
-        Element element;
-        std::memcpy(&element, from, Size);
+        typedef Element AtAnyAddress __attribute__((may_alias, aligned(1)));
+        const Element element = *reinterpret_cast<const AtAnyAddress *>(from);
         return [&]<int... i>(std::integer_sequence<int, i...>) {
             return Lanes<Element, 16>{(static_cast<void>(i), element)...};
         }
