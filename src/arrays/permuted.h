@@ -13,14 +13,13 @@ namespace quill {
 
 // ---- Tiles --------------------------------------------------------------------------
 
-template <std::int32_t Size>
-constexpr bool has_tiles = Size == 1 || Size == 2 || Size == 4 || Size == 8 || Size == 16;
+template <std::int32_t Size> constexpr bool has_tiles = Size == 1 || Size == 2 || Size == 4;
 
 // Neighbours along its rows are adjacent at the source, neighbours along its columns in the
 // result. A wide vector holds parts of two columns, which it makes parts of one row.
 template <std::int32_t Size, int Width> struct Tile {
     using Element = SignedOfSize<Size>;
-    static constexpr int parts = Size == 4 || Size == 8 ? Width / 16 : 1;
+    static constexpr int parts = Size == 4 ? Width / 16 : 1;
     static constexpr std::int32_t rows = 16 / Size;
     static constexpr std::int32_t vectors = Size <= 2 ? 8 : rows;
     static constexpr std::int32_t columns = vectors * parts;
@@ -76,26 +75,56 @@ template <std::int32_t Size> struct MoveTiles {
     }
 };
 
-// ---- Matrices -------------------------------------------------------------------------
+// ---- Rows ---------------------------------------------------------------------------
 
-// A block element by element, along its longer side.
+// Fetches a share of the cache lines that the eighth row from here on begins.
+inline void fetch_share(std::int32_t row, const Run<2> &columns, ConstBytes from) {
+    const std::int32_t share = columns.count / 8 + 1;
+    const std::int32_t first = row % 8 * share;
+    const std::int32_t last = std::min(first + share, columns.count);
+    for (std::int32_t j = first; j < last; ++j)
+        __builtin_prefetch(from + 8 * 8 + j * columns.step.by[1]);
+}
+
+// Moves a matrix one row of the result after the other, so that all is written in one stream:
+// in bands of columns whose cache lines of the source, each for several rows, stay in the
+// nearest cache. Dense elements of 8 bytes leave time to fetch the lines to come.
 template <std::int32_t Size>
-void move_block(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns, Bytes to,
-                ConstBytes from) {
-    const Run<2> &inner = rows.count > columns.count ? rows : columns;
-    const Run<2> &outer = rows.count > columns.count ? columns : rows;
-    const std::ptrdiff_t to_step = inner.step.by[0];
-    const std::ptrdiff_t from_step = inner.step.by[1];
-    for (std::int32_t i = 0; i < outer.count; ++i) {
-        Bytes next_to = to + i * outer.step.by[0];
-        ConstBytes next_from = from + i * outer.step.by[1];
-        for (std::int32_t j = inner.count; j > 0; --j) {
-            move_element<Size>(next_to, next_from, elsize);
-            next_to += to_step;
-            next_from += from_step;
+void move_rows(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns, Bytes to,
+               ConstBytes from) {
+    constexpr std::int32_t band = Size == 8 ? 256 : 512;
+    for (std::int32_t j = 0; j < columns.count; j += band) {
+        const Run<2> part = {std::min(band, columns.count - j), columns.step};
+        Bytes row_to = to + j * columns.step.by[0];
+        ConstBytes row_from = from + j * columns.step.by[1];
+        for (std::int32_t i = 0; i < rows.count; ++i) {
+            if (Size == 8 && rows.step.by[1] == Size && i < rows.count - 8)
+                fetch_share(i, part, row_from);
+            move_strided<Size>(elsize, row_to, part.step.by[0], row_from, part.step.by[1],
+                               part.count);
+            row_to += rows.step.by[0];
+            row_from += rows.step.by[1];
         }
     }
 }
+
+// Moves a matrix of few columns, one after the other, as many rows at a time as the nearest
+// cache holds.
+template <std::int32_t Size>
+void move_columns(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns, Bytes to,
+                  ConstBytes from) {
+    constexpr std::int32_t side = 128;
+    for (std::int32_t i = 0; i < rows.count; i += side) {
+        const std::int32_t height = std::min(side, rows.count - i);
+        for (std::int32_t j = 0; j < columns.count; ++j) {
+            move_strided<Size>(elsize, to + i * rows.step.by[0] + j * columns.step.by[0],
+                               rows.step.by[0], from + i * rows.step.by[1] + j * columns.step.by[1],
+                               rows.step.by[1], height);
+        }
+    }
+}
+
+// ---- Matrices -------------------------------------------------------------------------
 
 // Whether tiles of any width can move a matrix.
 template <std::int32_t Size> bool fits_tiles(const Run<2> &rows, const Run<2> &columns) {
@@ -108,6 +137,19 @@ template <std::int32_t Size> bool fits_tiles(const Run<2> &rows, const Run<2> &c
     }
 }
 
+template <std::int32_t Size>
+void move_by_tiles(const Run<2> &rows, const Run<2> &columns, Bytes to, ConstBytes from) {
+    constexpr std::int32_t side = 128; // of a block
+    for (std::int32_t j = 0; j < columns.count; j += side) {
+        for (std::int32_t i = 0; i < rows.count; i += side) {
+            run_vectorised<MoveTiles<Size>>(to + i * rows.step.by[0] + j * Size, rows.step.by[0],
+                                            from + i * Size + j * columns.step.by[1],
+                                            columns.step.by[1], std::min(side, rows.count - i),
+                                            std::min(side, columns.count - j));
+        }
+    }
+}
+
 // Moves a matrix: its rows are the faster dimension at the source, its columns in the result.
 using MoveMatrix = void(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns, Bytes to,
                         ConstBytes from);
@@ -115,27 +157,13 @@ using MoveMatrix = void(std::int32_t elsize, const Run<2> &rows, const Run<2> &c
 template <std::int32_t Size>
 void move_matrix(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns, Bytes to,
                  ConstBytes from) {
-    constexpr std::int32_t side = Size < 16 ? 128 : 64; // of a block
-    const bool by_tiles = fits_tiles<Size>(rows, columns);
-    if (!by_tiles && rows.count <= side && columns.count <= side)
-        return move_block<Size>(elsize, rows, columns, to, from);
-    for (std::int32_t j = 0; j < columns.count; j += side) {
-        const std::int32_t width = std::min(side, columns.count - j);
-        for (std::int32_t i = 0; i < rows.count; i += side) {
-            const std::int32_t height = std::min(side, rows.count - i);
-            Bytes block_to = to + i * rows.step.by[0] + j * columns.step.by[0];
-            ConstBytes block_from = from + i * rows.step.by[1] + j * columns.step.by[1];
-            if constexpr (has_tiles<Size>) {
-                if (by_tiles) {
-                    run_vectorised<MoveTiles<Size>>(block_to, rows.step.by[0], block_from,
-                                                    columns.step.by[1], height, width);
-                    continue;
-                }
-            }
-            move_block<Size>(elsize, {height, rows.step}, {width, columns.step}, block_to,
-                             block_from);
-        }
-    }
+    if constexpr (has_tiles<Size>)
+        if (fits_tiles<Size>(rows, columns)) return move_by_tiles<Size>(rows, columns, to, from);
+    constexpr std::int32_t few = 8;
+    if (columns.count < few && columns.count < rows.count)
+        move_columns<Size>(elsize, rows, columns, to, from);
+    else
+        move_rows<Size>(elsize, rows, columns, to, from);
 }
 
 inline MoveMatrix *move_matrix_of(std::int32_t size) {

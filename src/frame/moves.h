@@ -72,19 +72,31 @@ template <class Size> std::size_t bytes_of(std::int32_t count, Size size) {
     return static_cast<std::size_t>(count) * static_cast<std::size_t>(size);
 }
 
-// A vector full of the element at `from`, in registers: narrow stores would hold up its load.
-template <std::int32_t Size> auto sixteen_bytes_of(ConstBytes from) {
-    if constexpr (Size == 16) {
-        return load_lanes<SixteenBytes>(from);
-    } else {
-        using Element = std::conditional_t<Size == 8, double, SignedOfSize<Size>>; // one register
-        typedef Element AtAnyAddress __attribute__((may_alias, aligned(1)));
-        const Element element = *reinterpret_cast<const AtAnyAddress *>(from);
-        return [&]<int... i>(std::integer_sequence<int, i...>) {
-            return Lanes<Element, 16>{(static_cast<void>(i), element)...};
-        }
-        (std::make_integer_sequence<int, 16 / Size>());
+// What holds an element of 1 to 8 bytes in one register.
+template <std::int32_t Size>
+using InRegister =
+    std::conditional_t<Size == 8, double, std::conditional_t<Size == 4, float, SignedOfSize<Size>>>;
+
+// Vectors are made of elements in registers: narrow stores would hold up their load.
+template <std::int32_t Size> InRegister<Size> loaded(ConstBytes at) {
+    typedef InRegister<Size> AtAnyAddress __attribute__((may_alias, aligned(1)));
+    return *reinterpret_cast<const AtAnyAddress *>(at);
+}
+
+// Sixteen bytes of the elements from `from` on, a step apart.
+template <std::int32_t Size> auto gathered(ConstBytes from, std::ptrdiff_t step) {
+    return [&]<int... i>(std::integer_sequence<int, i...>) {
+        return Lanes<InRegister<Size>, 16>{loaded<Size>(from + i * step)...};
     }
+    (std::make_integer_sequence<int, 16 / Size>());
+}
+
+// Sixteen bytes of the element at `from`, over and over.
+template <std::int32_t Size> auto sixteen_bytes_of(ConstBytes from) {
+    if constexpr (Size == 16)
+        return load_lanes<SixteenBytes>(from);
+    else
+        return gathered<Size>(from, 0);
 }
 
 // Makes count elements without gaps out of the one at `from`. Of a size that divides a vector
@@ -107,10 +119,23 @@ void repeat_element(Bytes to, ConstBytes from, std::int32_t size, std::int32_t c
     }
 }
 
-// A function of its own: beside calls the compiler would keep its counter in memory.
+// Elements that become neighbours go by vectors. A function of its own: beside calls the
+// compiler would keep its counter in memory.
 template <std::int32_t Size>
 [[gnu::noinline]] void move_strided(std::int32_t elsize, Bytes to, std::ptrdiff_t to_step,
                                     ConstBytes from, std::ptrdiff_t from_step, std::int32_t count) {
+    if constexpr (Size == 4 || Size == 8) {
+        constexpr std::int32_t together = 16 / Size;
+        if (to_step == Size) {
+#pragma GCC unroll 2
+            for (; count >= together; count -= together) {
+                const auto elements = gathered<Size>(from, from_step);
+                std::memcpy(to, &elements, sizeof elements);
+                to += sizeof elements;
+                from += together * from_step;
+            }
+        }
+    }
 #pragma GCC unroll 4
     for (; count > 0; --count) {
         move_element<Size>(to, from, elsize);
