@@ -77,6 +77,25 @@ template <std::int32_t Size> struct MoveTiles {
 
 // ---- Rows ---------------------------------------------------------------------------
 
+// Moves a small matrix along its longer side, without a call for each line.
+template <std::int32_t Size>
+void move_small(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns, Bytes to,
+                ConstBytes from) {
+    const Run<2> &inner = rows.count > columns.count ? rows : columns;
+    const Run<2> &outer = rows.count > columns.count ? columns : rows;
+    const std::ptrdiff_t to_step = inner.step.by[0];
+    const std::ptrdiff_t from_step = inner.step.by[1];
+    for (std::int32_t i = 0; i < outer.count; ++i) {
+        Bytes next_to = to + i * outer.step.by[0];
+        ConstBytes next_from = from + i * outer.step.by[1];
+        for (std::int32_t j = inner.count; j > 0; --j) {
+            move_element<Size>(next_to, next_from, elsize);
+            next_to += to_step;
+            next_from += from_step;
+        }
+    }
+}
+
 // Fetches a share of the cache lines that the eighth row from here on begins.
 inline void fetch_share(std::int32_t row, const Run<2> &columns, ConstBytes from) {
     const std::int32_t share = columns.count / 8 + 1;
@@ -92,7 +111,7 @@ inline void fetch_share(std::int32_t row, const Run<2> &columns, ConstBytes from
 template <std::int32_t Size>
 void move_rows(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns, Bytes to,
                ConstBytes from) {
-    constexpr std::int32_t band = Size == 8 ? 256 : 512;
+    constexpr std::int32_t band = Size == 8 || Size == 32 ? 256 : 512;
     for (std::int32_t j = 0; j < columns.count; j += band) {
         const Run<2> part = {std::min(band, columns.count - j), columns.step};
         Bytes row_to = to + j * columns.step.by[0];
@@ -160,7 +179,9 @@ void move_matrix(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns,
     if constexpr (has_tiles<Size>)
         if (fits_tiles<Size>(rows, columns)) return move_by_tiles<Size>(rows, columns, to, from);
     constexpr std::int32_t few = 8;
-    if (columns.count < few && columns.count < rows.count)
+    if (columns.count < few && rows.count < few)
+        move_small<Size>(elsize, rows, columns, to, from);
+    else if (columns.count < few)
         move_columns<Size>(elsize, rows, columns, to, from);
     else
         move_rows<Size>(elsize, rows, columns, to, from);
