@@ -54,7 +54,7 @@ void try_call(Random &random, int k) {
     const auto any = [&] { return some[pick(random, 0, std::size(some) - 1)]; };
     const int size = moved_sizes[k], few = any() % 4;
     Shape extents = {any(), any()};
-    if (pick(random, 0, 63) == 0) extents = {pick(random, 200, 300), pick(random, 100, 200)};
+    if (pick(random, 0, 63) == 0) extents = {pick(random, 100, 300), pick(random, 100, 600)};
     if (pick(random, 0, 31) == 0) extents = {pick(random, 900, 1100), few};
     if (pick(random, 0, 31) == 0) extents = {few, pick(random, 900, 1100)};
     const Shape turned(extents.rbegin(), extents.rend());

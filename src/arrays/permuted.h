@@ -1,6 +1,6 @@
-// Moves that change which dimension varies fastest, for TRANSPOSE and RESHAPE with ORDER:
-// in blocks that the nearest caches hold on both sides, and within them, where the processor
-// has vectors of the elements, in tiles transposed in registers.
+// Moves that change which dimension varies fastest, for TRANSPOSE and RESHAPE with ORDER: row
+// by row of the result, or, of dense elements of 1 to 4 bytes, in tiles transposed in
+// registers; either way in parts that the nearest cache holds.
 #pragma once
 
 #include "frame/isa.h"
