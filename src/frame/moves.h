@@ -74,13 +74,12 @@ template <class Size> std::size_t bytes_of(std::int32_t count, Size size) {
 
 // What holds an element of 1 to 8 bytes in one register.
 template <std::int32_t Size>
-using InRegister = std::conditional_t<Size == 8, double,
-                                      std::conditional_t<Size == 4, float, SignedOfSize<Size>>>;
+using InRegister =
+    std::conditional_t<Size == 8, double, std::conditional_t<Size == 4, float, SignedOfSize<Size>>>;
 
 // An element on its way into a vector: built in memory, narrow stores would hold up the vector's
 // load. Always inlined: an x87 result would make a signalling NaN quiet.
-template <std::int32_t Size>
-[[gnu::always_inline]] inline InRegister<Size> loaded(ConstBytes at) {
+template <std::int32_t Size> [[gnu::always_inline]] inline InRegister<Size> loaded(ConstBytes at) {
     typedef InRegister<Size> AtAnyAddress __attribute__((may_alias, aligned(1)));
     return *reinterpret_cast<const AtAnyAddress *>(at);
 }
