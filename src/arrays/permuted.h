@@ -96,13 +96,16 @@ void move_small(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns, 
     }
 }
 
-// Fetches a share of the cache lines that the eighth row from here on begins.
+// Rows of dense elements of 8 bytes that begin in the same cache line of a column.
+constexpr std::int32_t rows_of_line = 8;
+
+// Fetches a share of the cache lines in which the row lies that is so many rows further on.
 inline void fetch_share(std::int32_t row, const Run<2> &columns, ConstBytes from) {
-    const std::int32_t share = columns.count / 8 + 1;
-    const std::int32_t first = row % 8 * share;
+    const std::int32_t share = columns.count / rows_of_line + 1;
+    const std::int32_t first = row % rows_of_line * share;
     const std::int32_t last = std::min(first + share, columns.count);
     for (std::int32_t j = first; j < last; ++j)
-        __builtin_prefetch(from + 8 * 8 + j * columns.step.by[1]);
+        __builtin_prefetch(from + rows_of_line * 8 + j * columns.step.by[1]);
 }
 
 // Moves a matrix one row of the result after the other, so that all is written in one stream:
@@ -117,7 +120,7 @@ void move_rows(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns, B
         Bytes row_to = to + j * columns.step.by[0];
         ConstBytes row_from = from + j * columns.step.by[1];
         for (std::int32_t i = 0; i < rows.count; ++i) {
-            if (Size == 8 && rows.step.by[1] == Size && i < rows.count - 8)
+            if (Size == 8 && rows.step.by[1] == Size && i < rows.count - rows_of_line)
                 fetch_share(i, part, row_from);
             move_strided<Size>(elsize, row_to, part.step.by[0], row_from, part.step.by[1],
                                part.count);
@@ -147,13 +150,9 @@ void move_columns(std::int32_t elsize, const Run<2> &rows, const Run<2> &columns
 
 // Whether tiles of any width can move a matrix.
 template <std::int32_t Size> bool fits_tiles(const Run<2> &rows, const Run<2> &columns) {
-    if constexpr (has_tiles<Size>) {
-        using Widest = Tile<Size, 32>;
-        return rows.step.by[1] == Size && columns.step.by[0] == Size &&
-               rows.count >= Widest::rows && columns.count >= Widest::columns;
-    } else {
-        return false;
-    }
+    using Widest = Tile<Size, 32>;
+    return rows.step.by[1] == Size && columns.step.by[0] == Size && rows.count >= Widest::rows &&
+           columns.count >= Widest::columns;
 }
 
 template <std::int32_t Size>
