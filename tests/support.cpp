@@ -16,6 +16,9 @@ static int from_environment(const char *name, int otherwise) {
 
 unsigned random_seed() { return unsigned(from_environment("QUILLFN_SEED", 1)); }
 int random_rounds(int usual) { return usual * from_environment("QUILLFN_ROUNDS", 1); }
+std::uint32_t step_through_all(int usual) {
+    return std::uint32_t(from_environment("QUILLFN_STEP", usual));
+}
 
 // ---- Arrays -----------------------------------------------------------------
 

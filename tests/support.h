@@ -33,6 +33,10 @@ inline bool coin(Random &random) { return pick(random, 0, 1) == 0; }
 unsigned random_seed();
 int random_rounds(int usual);
 
+// How far apart the bit patterns lie that a test of all reals of kind 4 takes; QUILLFN_STEP
+// changes it, 1 takes all.
+std::uint32_t step_through_all(int usual);
+
 // ---- Values -----------------------------------------------------------------
 
 template <class T> constexpr bool is_real = !std::numeric_limits<T>::is_integer;

@@ -265,6 +265,151 @@ extern QUILLFN_EXPORT f90_Intrinsic f90_matmull1, f90_matmull2, f90_matmull4, f9
 extern QUILLFN_EXPORT f90_Intrinsic f90_matmulr4, f90_matmulr8, f90_matmulr10, f90_matmulr16;
 extern QUILLFN_EXPORT f90_Intrinsic f90_matmulc8, f90_matmulc16, f90_matmulc20, f90_matmulc32;
 
+/* ---- Characters ------------------------------------------------------------ */
+
+/* A string is an address and a length in bytes, without sign; only the byte 20
+ * (hexadecimal) is a blank. Results are positions and lengths from 1. */
+
+/* ADJUSTL, ADJUSTR: length bytes go from source to destination, which must not overlap. */
+QUILLFN_EXPORT void f90_adjustl(const char *source, uint32_t length, char *destination);
+QUILLFN_EXPORT void f90_adjustr(const char *source, uint32_t length, char *destination);
+
+/* LEN_TRIM. */
+QUILLFN_EXPORT int32_t f90_lentrim(const char *string, uint32_t length);
+QUILLFN_EXPORT int64_t f90_klentrim(const char *string, uint32_t length);
+
+/* INDEX(STRING, SUBSTRING, BACK), SCAN(STRING, SET, BACK), VERIFY(STRING, SET, BACK): Arg1
+ * STRING and Arg2 SUBSTRING or SET, strings in both words of the slot, Arg3 BACK, true unless
+ * it is 0. The result is stored in the slot Result: of the k forms in both words. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_index, f90_scan, f90_verify;
+extern QUILLFN_EXPORT f90_Intrinsic f90_kindex, f90_kscan, f90_kverify;
+
+/* REPEAT(STRING, NCOPIES): Arg1 STRING, Arg2 NCOPIES. TRIM(STRING): Arg1 STRING. The result is
+ * a string in the slot Result: the caller's, of which the length is set, or one that the
+ * library takes from f90_getspace for the caller. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_repeat, f90_trim;
+
+/* ---- Numbers --------------------------------------------------------------- */
+
+/* These take addresses, aligned to 4 bytes or to a shorter value, and read only. A name ends
+ * with the bytes of a real. A NaN comes back quiet where the x87 carries the result. */
+
+/* A value of real kind 16, low word first. Results of that kind come in it. */
+typedef struct f90_Real16 {
+    uint32_t Words[4];
+} f90_Real16;
+
+/* EXPONENT(X), FRACTION(X), RRSPACING(X), SPACING(X), NEAREST(X, S), SCALE(X, I) and
+ * SET_EXPONENT(X, I), from the bits of X. */
+#define QUILLFN_MODEL(K, R)                                                                        \
+    QUILLFN_EXPORT int32_t f90_exponent##K(const R *x);                                            \
+    QUILLFN_EXPORT R f90_fraction##K(const R *x);                                                  \
+    QUILLFN_EXPORT R f90_nearest##K(const R *x, const R *s);                                       \
+    QUILLFN_EXPORT R f90_rrspacing##K(const R *x);                                                 \
+    QUILLFN_EXPORT R f90_scale##K(const R *x, const int32_t *i);                                   \
+    QUILLFN_EXPORT R f90_setexp##K(const R *x, const int32_t *i);                                  \
+    QUILLFN_EXPORT R f90_spacing##K(const R *x);
+
+/* CEILING(X), FLOOR(X): of 32 bits, of the k forms 64, of the h forms 16. A value that does not
+ * fit, and a NaN, give the lowest integer. */
+#define QUILLFN_ROUNDING(K, R)                                                                     \
+    QUILLFN_EXPORT int32_t f90_ceiling##K(const R *x);                                             \
+    QUILLFN_EXPORT int64_t f90_ceilingk##K(const R *x);                                            \
+    QUILLFN_EXPORT int16_t f90_ceilingh##K(const R *x);                                            \
+    QUILLFN_EXPORT int32_t f90_floor##K(const R *x);                                               \
+    QUILLFN_EXPORT int64_t f90_floork##K(const R *x);                                              \
+    QUILLFN_EXPORT int16_t f90_floorh##K(const R *x);
+
+/* MODULO(A, P); A where P is 0. */
+#define QUILLFN_MODULO(K, T) QUILLFN_EXPORT T f90_modulo##K(const T *a, const T *p);
+
+#define QUILLFN_REAL(K, R)                                                                         \
+    QUILLFN_MODEL(K, R)                                                                            \
+    QUILLFN_ROUNDING(K, R)                                                                         \
+    QUILLFN_MODULO(r##K, R)
+
+QUILLFN_REAL(4, float)
+QUILLFN_REAL(8, double)
+QUILLFN_REAL(10, long double)
+QUILLFN_REAL(16, f90_Real16)
+QUILLFN_MODULO(i1, int8_t)
+QUILLFN_MODULO(i2, int16_t)
+QUILLFN_MODULO(i4, int32_t)
+QUILLFN_MODULO(i8, int64_t)
+
+#undef QUILLFN_MODEL
+#undef QUILLFN_ROUNDING
+#undef QUILLFN_MODULO
+#undef QUILLFN_REAL
+
+/* SELECTED_INT_KIND(R): Arg1 R. SELECTED_REAL_KIND(P, R): Arg1 P, Arg2 R, at least one of them.
+ * The kind, or a negative number for none, is stored in Word0 of the slot Result. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_selintkind, f90_selrealkind;
+
+/* MVBITS(FROM, FROMPOS, LEN, TO, TOPOS); always checked. */
+QUILLFN_EXPORT void f90_mvbits1(int8_t from, int32_t frompos, int32_t len, int8_t *to,
+                                int32_t topos);
+QUILLFN_EXPORT void f90_mvbits2(int16_t from, int32_t frompos, int32_t len, int16_t *to,
+                                int32_t topos);
+QUILLFN_EXPORT void f90_mvbits4(int32_t from, int32_t frompos, int32_t len, int32_t *to,
+                                int32_t topos);
+QUILLFN_EXPORT void f90_mvbits8(int64_t from, int32_t frompos, int32_t len, int64_t *to,
+                                int32_t topos);
+
+/* NULL: ZERO and BASE of the descriptor at Result become null; nothing is released. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_Null;
+
+/* ---- Random numbers -------------------------------------------------------- */
+
+/* One generator serves the whole process, without a lock. */
+
+/* RANDOM_NUMBER: one real, or count of them without gaps (of kind 10 12 bytes apart), one draw
+ * for each; of a kind 10 real 10 bytes are written. */
+QUILLFN_EXPORT void f90_randnum4(float *harvest);
+QUILLFN_EXPORT void f90_randnum8(double *harvest);
+QUILLFN_EXPORT void f90_randnum10(long double *harvest);
+QUILLFN_EXPORT void f90_randnum16(f90_Real16 *harvest);
+QUILLFN_EXPORT void f90_randnum4a(float *harvest, int32_t count);
+QUILLFN_EXPORT void f90_randnum8a(double *harvest, int32_t count);
+QUILLFN_EXPORT void f90_randnum10a(long double *harvest, int32_t count);
+QUILLFN_EXPORT void f90_randnum16a(f90_Real16 *harvest, int32_t count);
+
+/* RANDOM_SEED(SIZE, PUT, GET): Result the address of SIZE, Arg1 the descriptor of PUT, Arg2
+ * that of GET, of 32-bit integers, or in the second form of 64-bit ones; the first that is
+ * present alone counts. PUT and GET have 47 elements. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_randseed, f90_randseed8;
+
+/* Puts the generator into the state that it starts from. */
+QUILLFN_EXPORT void InitMarsagliaRander(void);
+
+/* The state, 47 words from f90_getspace; and whether there is none yet. */
+extern QUILLFN_DATA int32_t *Rand_buf;
+extern QUILLFN_DATA int32_t TSeed;
+
+/* ---- Clocks and dates ------------------------------------------------------ */
+
+/* Seconds by the processor's counter. The first call measures the counter, which takes 0.05
+ * seconds or more; nothing else may call the clock meanwhile. */
+QUILLFN_EXPORT double QUILLf90_dclock(void);
+
+/* CPU_TIME: the same, at most the greatest real of kind 4. */
+QUILLFN_EXPORT void f90_cputime4(float *time);
+QUILLFN_EXPORT void f90_cputime8(double *time);
+QUILLFN_EXPORT void f90_cputime10(long double *time);
+QUILLFN_EXPORT void f90_cputime16(f90_Real16 *time);
+
+/* SYSTEM_CLOCK(COUNT, COUNT_RATE, COUNT_MAX): Result, Arg1 and Arg2 their addresses, each if
+ * present; 32-bit integers, of the other forms 16- and 64-bit ones. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_sysclock, f90_sysclock2, f90_sysclock8;
+
+/* Milliseconds of user time, and of all time of children that have ended; -1 when unknown. */
+QUILLFN_EXPORT int32_t mclock_(void);
+
+/* DATE_AND_TIME(DATE, TIME, ZONE, VALUES): Result, Arg1 and Arg2 strings of at least 8, 10 and
+ * 5 bytes, Arg3 a descriptor of at least 8 elements, each if present; 32-bit integers, of the
+ * other forms 16- and 64-bit ones. */
+extern QUILLFN_EXPORT f90_Intrinsic f90_dateandtime, f90_dateandtime2, f90_dateandtime8;
+
 #ifdef __cplusplus
 }
 #endif
