@@ -4,7 +4,23 @@
 
 #include "frame/checks.h"
 
+#include <limits>
+
 namespace quill {
+
+inline std::uint64_t saturating_product(std::uint64_t a, std::uint64_t b) {
+    std::uint64_t product;
+    return __builtin_mul_overflow(a, b, &product) ? std::numeric_limits<std::uint64_t>::max()
+                                                  : product;
+}
+
+// The request for `elements` elements, as one that no storage satisfies when it
+// does not fit an address.
+inline std::size_t storage_size(std::uint64_t elements, std::uint32_t elsize) {
+    const std::uint64_t bytes = saturating_product(elements, elsize);
+    constexpr std::size_t refused = std::numeric_limits<std::size_t>::max();
+    return bytes < refused ? static_cast<std::size_t>(bytes) : refused;
+}
 
 // Creates a result of this shape, lower bounds 1.
 inline void create(f90_ArrDesc &result, const ShapeVector &shape, std::int32_t elsize) {

@@ -1,12 +1,11 @@
 // Creation of arrays, sections of arrays, addresses of elements, the walk over
 // all elements, and the debug prints. The walk is the one piece of state: a
 // single record for the whole process.
-#include "frame/records.h"
+#include "frame/creation.h"
 
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
 
 std::int32_t f90_SubscriptChecking = 0;
 
@@ -51,20 +50,6 @@ void record_subscript_range(f90_ArrDesc &array) {
 }
 
 // ---- Creation ---------------------------------------------------------------
-
-std::uint64_t saturating_product(std::uint64_t a, std::uint64_t b) {
-    std::uint64_t product;
-    return __builtin_mul_overflow(a, b, &product) ? std::numeric_limits<std::uint64_t>::max()
-                                                  : product;
-}
-
-// The request for `elements` elements, as one that no storage satisfies when it
-// does not fit an address.
-std::size_t storage_size(std::uint64_t elements, std::int32_t elsize) {
-    const std::uint64_t bytes = saturating_product(elements, static_cast<std::uint32_t>(elsize));
-    constexpr std::size_t refused = std::numeric_limits<std::size_t>::max();
-    return bytes < refused ? static_cast<std::size_t>(bytes) : refused;
-}
 
 // Sets Stride of each dimension and EXTENT; returns the number of elements
 // unwrapped.
@@ -159,7 +144,8 @@ extern "C" {
 
 void f90_CreateArrayM(f90_ArrDesc *array) {
     const std::uint64_t elements = quill::lay_out_densely(*array);
-    array->BASE = f90_getspace(quill::storage_size(elements, array->ELSIZE));
+    array->BASE =
+        f90_getspace(quill::storage_size(elements, static_cast<std::uint32_t>(array->ELSIZE)));
     array->SCALEFACTOR = array->ELSIZE;
     array->NONCONTIG = 0;
     array->Reserved[0] = array->Reserved[1] = 0;

@@ -1,0 +1,40 @@
+// SET_EXPONENT: the fraction of X with the exponent I. What becomes subnormal is rounded as by
+// the C library, but truncated in kind 4.
+#include "numeric/formats.h"
+
+namespace quill {
+namespace {
+
+template <class Real> Real set_exponent(const void *address, const std::int32_t *exponent) {
+    const Real x = real_at<Real>(address);
+    if (passes_zero_test(x)) return x;
+    const Bits<Real> bits = bits_at<Real>(address);
+    const std::int32_t field = within_reach(*exponent) + Format<Real>::bias - 1;
+    if (field >= all_ones<Real>) return real_of(with_sign(infinity<Real>(), sign(bits)));
+    const Bits<Real> normal = normalised(x, bits);
+    if (field >= 1) return real_of(with_exponent_field(normal, field));
+    if constexpr (std::is_same_v<Real, Real4>)
+        return real_of(truncated_to_subnormal(normal, field));
+    else
+        return scaled(real_of(with_exponent_field(normal, 1)), field - 1);
+}
+
+} // namespace
+} // namespace quill
+
+extern "C" {
+
+float f90_setexp4(const float *x, const std::int32_t *i) {
+    return quill::returned(quill::set_exponent<quill::Real4>(x, i));
+}
+double f90_setexp8(const double *x, const std::int32_t *i) {
+    return quill::returned(quill::set_exponent<quill::Real8>(x, i));
+}
+long double f90_setexp10(const long double *x, const std::int32_t *i) {
+    return quill::returned(quill::set_exponent<quill::Real10>(x, i));
+}
+f90_Real16 f90_setexp16(const f90_Real16 *x, const std::int32_t *i) {
+    return quill::returned(quill::set_exponent<quill::Quad>(x, i));
+}
+
+} // extern "C"
