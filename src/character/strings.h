@@ -103,7 +103,7 @@ struct NotBlank {
 
     bool at(std::uint32_t p) const { return string[p] != blank; }
     std::uint32_t sixteen(std::uint32_t p) const {
-        return bits_of(sixteen_at(string + p) != blank);
+        return bits_of(sixteen_at(string + p) == blank) ^ 0xFFFFU;
     }
 };
 

@@ -6,12 +6,11 @@ namespace quill {
 namespace {
 
 template <class Real> std::int32_t exponent(const void *address) {
-    const Real x = real_at<Real>(address);
-    if (passes_zero_test(x)) return 0;
-    constexpr std::int32_t of_half = Format<Real>::bias - 1;
     const Bits<Real> bits = bits_at<Real>(address);
+    if (passes_zero_test(bits)) return 0;
+    constexpr std::int32_t of_half = Format<Real>::bias - 1;
     if (exponent_field(bits) != 0) return exponent_field(bits) - of_half;
-    return exponent_field(normalised(x, bits)) - of_half - (Format<Real>::digits - 1);
+    return exponent_field(normalised(bits)) - of_half - (Format<Real>::digits - 1);
 }
 
 } // namespace

@@ -5,10 +5,10 @@ namespace quill {
 namespace {
 
 template <class Real> Real fraction(const void *address) {
-    const Real x = real_at<Real>(address);
-    if (passes_zero_test(x)) return Real(0.0);
+    const Bits<Real> bits = bits_at<Real>(address);
+    if (passes_zero_test(bits)) return Real(0.0);
     constexpr std::int32_t of_half = Format<Real>::bias - 1;
-    return real_of(with_exponent_field(normalised(x, bits_at<Real>(address)), of_half));
+    return real_of(with_exponent_field(normalised(bits), of_half));
 }
 
 } // namespace

@@ -110,14 +110,14 @@ template <class Real> Real modulo(const void *a_address, const void *p_address) 
     const Real p = real_at<Real>(p_address);
     const Bits<Real> a_bits = bits_at<Real>(a_address);
     const Bits<Real> p_bits = bits_at<Real>(p_address);
-    if (passes_zero_test(p)) return a;
+    if (passes_zero_test(p_bits)) return a;
     if (!is_finite(p_bits) && has_zero_fraction(p_bits)) return a;
     if (!is_finite(p_bits) || !is_finite(a_bits)) return quiet_nan<Real>(sign(a_bits));
-    if (passes_zero_test(a)) return a;
+    if (passes_zero_test(a_bits)) return a;
     Real rest = with_sign_of<Real>(a, 0);
     const Real divisor = with_sign_of<Real>(p, 0);
     if (!leaves_remainder(rest, divisor)) return Real(0.0);
-    if (sign(a_bits) != sign(p_bits) && !passes_zero_test(rest)) rest = divisor - rest;
+    if (sign(a_bits) != sign(p_bits) && !is_equal(rest, Real(0.0))) rest = divisor - rest;
     return with_sign_of<Real>(rest, sign(p_bits));
 }
 

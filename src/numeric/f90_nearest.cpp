@@ -9,10 +9,9 @@ namespace {
 
 // The distance, positive, towards the sign of s.
 template <class Real>
-[[gnu::always_inline]] inline Bits<Real> distance(const Real &x, const Bits<Real> &bits,
-                                                  const Bits<Real> &s) {
+[[gnu::always_inline]] inline Bits<Real> distance(const Bits<Real> &bits, const Bits<Real> &s) {
     constexpr std::int32_t digits = Format<Real>::digits;
-    if (passes_zero_test(x)) return power_of_two<Real>(1);
+    if (passes_zero_test(bits)) return power_of_two<Real>(1);
     const bool towards_zero = sign(bits) != sign(s);
     const std::int32_t half = towards_zero && has_zero_fraction(bits) ? 1 : 0;
     const std::int32_t field = exponent_field(bits) - (digits - 1) - half;
@@ -23,7 +22,7 @@ template <class Real>
 template <class Real> Real nearest(const void *address, const void *s_address) {
     const Real x = real_at<Real>(address);
     const Bits<Real> s = bits_at<Real>(s_address);
-    const Real step = real_of(with_sign(distance(x, bits_at<Real>(address), s), sign(s)));
+    const Real step = real_of(with_sign(distance(bits_at<Real>(address), s), sign(s)));
     if constexpr (std::is_same_v<Real, Quad>)
         return x + step;
     else

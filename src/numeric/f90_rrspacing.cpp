@@ -5,11 +5,10 @@ namespace quill {
 namespace {
 
 template <class Real> Real rrspacing(const void *address) {
-    const Real x = real_at<Real>(address);
-    if (passes_zero_test(x)) return Real(0.0);
+    const Bits<Real> bits = bits_at<Real>(address);
+    if (passes_zero_test(bits)) return Real(0.0);
     constexpr std::int32_t of_greatest = Format<Real>::bias + Format<Real>::digits - 1;
-    const Bits<Real> bits = normalised(x, bits_at<Real>(address));
-    return real_of(with_sign(with_exponent_field(bits, of_greatest), 0));
+    return real_of(with_sign(with_exponent_field(normalised(bits), of_greatest), 0));
 }
 
 } // namespace

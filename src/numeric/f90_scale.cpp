@@ -21,11 +21,10 @@ Real4 scaled_subnormal(const Bits<Real4> &x, std::int32_t i) {
 }
 
 // A result that is subnormal, or of a subnormal x.
-template <class Real>
-Real scaled_beyond_normal(const Real &x, const Bits<Real> &bits, std::int32_t i) {
+template <class Real> Real scaled_beyond_normal(const Bits<Real> &bits, std::int32_t i) {
     const std::int32_t field = exponent_field(bits);
     if constexpr (!std::is_same_v<Real, Real4>)
-        return scaled(x, i);
+        return scaled(real_of(bits), i);
     else if (field == 0)
         return scaled_subnormal(bits, i);
     else
@@ -33,12 +32,11 @@ Real scaled_beyond_normal(const Real &x, const Bits<Real> &bits, std::int32_t i)
 }
 
 template <class Real> Real scale(const void *address, const std::int32_t *power) {
-    const Real x = real_at<Real>(address);
     const Bits<Real> bits = bits_at<Real>(address);
     const std::int32_t i = within_reach(*power);
     const std::int32_t field = exponent_field(bits);
-    if (field == all_ones<Real> || i == 0 || passes_zero_test(x)) return x;
-    if (field == 0 || field + i < 1) return scaled_beyond_normal(x, bits, i);
+    if (field == all_ones<Real> || i == 0 || passes_zero_test(bits)) return real_of(bits);
+    if (field == 0 || field + i < 1) return scaled_beyond_normal(bits, i);
     if (field + i < all_ones<Real>) return real_of(with_exponent_field(bits, field + i));
     return real_of(with_sign(infinity<Real>(), sign(bits)));
 }

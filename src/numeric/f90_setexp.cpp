@@ -6,12 +6,11 @@ namespace quill {
 namespace {
 
 template <class Real> Real set_exponent(const void *address, const std::int32_t *exponent) {
-    const Real x = real_at<Real>(address);
-    if (passes_zero_test(x)) return x;
     const Bits<Real> bits = bits_at<Real>(address);
+    if (passes_zero_test(bits)) return real_of(bits);
     const std::int32_t field = within_reach(*exponent) + Format<Real>::bias - 1;
     if (field >= all_ones<Real>) return real_of(with_sign(infinity<Real>(), sign(bits)));
-    const Bits<Real> normal = normalised(x, bits);
+    const Bits<Real> normal = normalised(bits);
     if (field >= 1) return real_of(with_exponent_field(normal, field));
     if constexpr (std::is_same_v<Real, Real4>)
         return real_of(truncated_to_subnormal(normal, field));

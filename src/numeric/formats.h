@@ -5,6 +5,7 @@
 #pragma once
 
 #include "frame/elements.h"
+#include "frame/lanes.h"
 
 #include <bit>
 #include <cmath>
@@ -80,6 +81,11 @@ template <class Real> [[gnu::always_inline]] inline Real real_of(const Bits<Real
         std::memcpy(&real, &bits.lower, sizeof bits.lower);
         std::memcpy(reinterpret_cast<Bytes>(&real) + 8, &bits.upper, sizeof bits.upper);
         return real;
+    } else if constexpr (sizeof(Real) == 8) {
+        // Put together in a register: what two stores have left would hold up the load.
+        const auto low = static_cast<std::int32_t>(bits.upper);
+        const auto high = static_cast<std::int32_t>(bits.upper >> 32);
+        return same_bits<Lanes<Real8, 16>>(Lanes<std::int32_t, 16>{low, high, 0, 0})[0];
     } else {
         return std::bit_cast<Real>(bits.upper);
     }
@@ -149,24 +155,30 @@ template <class Real> Bits<Real> fraction_bit(std::int32_t position) {
 
 // ---- Classes ------------------------------------------------------------------------
 
-// Whether x compares equal to zero; an unordered pair counts as equal, but in kind 16.
-template <class Real> [[gnu::always_inline]] inline bool passes_zero_test(const Real &x) {
+// Whether a number compares equal to zero, where an unordered pair counts as equal but in kind 16.
+// In kind 10 a number whose integer bit should be set and is not is unordered too.
+template <class Real> bool passes_zero_test(const Bits<Real> &bits) {
+    const auto magnitude = with_sign(bits, 0).upper;
     if constexpr (std::is_same_v<Real, Quad>)
-        return _compare_fp(x, Quad(0.0), 0, 0, 1) != 0;
+        return (magnitude | bits.lower) == 0;
+    else if constexpr (!std::is_same_v<Real, Real10>)
+        return magnitude - 1 >= infinity<Real>().upper;
+    else if (magnitude == 0)
+        return bits.lower == 0;
     else
-        return !__builtin_islessgreater(static_cast<long double>(x), 0.0L);
+        return bits.lower < integer_bit<Real> ||
+               (magnitude == all_ones<Real> && !has_zero_fraction(bits));
 }
 
-// The bits of x, where its exponent field is 0 of x times the normalising factor.
-template <class Real>
-[[gnu::always_inline]] inline Bits<Real> normalised(const Real &x, const Bits<Real> &bits) {
+// Of a number whose exponent field is 0 the bits of its product with the normalising factor.
+template <class Real> Bits<Real> normalised(const Bits<Real> &bits) {
     if (exponent_field(bits) != 0) return bits;
     constexpr long double factor = Format<Real>::normalising_factor;
     Real product;
     if constexpr (std::is_same_v<Real, Quad>)
-        product = x * static_cast<__float128>(factor);
+        product = real_of(bits) * static_cast<__float128>(factor);
     else
-        product = static_cast<Real>(static_cast<long double>(x) * factor);
+        product = static_cast<Real>(static_cast<long double>(real_of(bits)) * factor);
     return bits_at<Real>(&product);
 }
 

@@ -6,6 +6,7 @@
 
 #include "frame/elements.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace quill {
@@ -32,21 +33,45 @@ inline Generator &generator() {
 inline std::int32_t lag_within_table(std::int32_t lag) {
     return lag < 0 || lag > last_lag ? last_lag : lag;
 }
-inline std::int32_t next_lag(std::int32_t lag) { return lag < 1 ? last_lag : lag - 1; }
 
-// Once a difference has been negative there is always a borrow.
-[[gnu::always_inline]] inline std::int32_t draw(Generator &state) {
-    std::uint32_t &replaced = state.LagTable[lag_within_table(state.LagI)];
-    std::uint32_t x = state.LagTable[lag_within_table(state.LagJ)] - replaced - state.Carry;
-    if (static_cast<std::int32_t>(x) < 0) {
-        x -= 5;
-        state.Carry = 1;
+// A lag `draws` later: it counts down, from where it is, and starts over.
+inline std::int32_t later(std::int32_t lag, std::int32_t draws) {
+    return lag < draws ? last_lag : lag - draws;
+}
+
+// How many draws, of at most `most`, come before a lag starts over or into the table.
+inline std::int32_t straight_draws(const Generator &state, std::int32_t most) {
+    const bool within =
+        lag_within_table(state.LagI) == state.LagI && lag_within_table(state.LagJ) == state.LagJ;
+    return within ? std::min({state.LagI, state.LagJ, most - 1}) + 1 : 1;
+}
+
+// Calls visit for so many draws. Once a difference has been negative there is always a borrow:
+// which of them are negative nobody can predict, hence no branch.
+template <class Visit>
+[[gnu::always_inline]] inline void for_each_draw(Generator &state, std::int32_t count,
+                                                 Visit visit) {
+    while (count > 0) {
+        const std::int32_t draws = straight_draws(state, count);
+        std::uint32_t *replaced = state.LagTable + lag_within_table(state.LagI);
+        const std::uint32_t *minuend = state.LagTable + lag_within_table(state.LagJ);
+        std::uint32_t borrow = state.Carry;
+        std::uint32_t weyl = state.Weyl;
+        for (std::int32_t i = 0; i > -draws; --i) {
+            const std::uint32_t difference = minuend[i] - replaced[i] - borrow;
+            const std::uint32_t negative = difference >> 31;
+            borrow = negative != 0 ? 1 : borrow;
+            const std::uint32_t x = difference - 5 * negative;
+            replaced[i] = x;
+            weyl -= 362436069;
+            visit(static_cast<std::int32_t>(x - weyl));
+        }
+        state.LagI = later(state.LagI, draws);
+        state.LagJ = later(state.LagJ, draws);
+        state.Carry = borrow;
+        state.Weyl = weyl;
+        count -= draws;
     }
-    replaced = x;
-    state.LagI = next_lag(state.LagI);
-    state.LagJ = next_lag(state.LagJ);
-    state.Weyl -= 362436069;
-    return static_cast<std::int32_t>(x - state.Weyl);
 }
 
 // ---- Reals --------------------------------------------------------------------------
@@ -80,14 +105,14 @@ template <> inline void store_scaled<Real16>(Bytes at, std::int32_t word) {
 
 // ---- RANDOM_NUMBER ------------------------------------------------------------------
 
-template <class Real> void random_number(void *harvest) {
-    store_scaled<Real>(static_cast<Bytes>(harvest), draw(generator()));
+template <class Real> void random_numbers(void *harvest, std::int32_t count) {
+    auto at = static_cast<Bytes>(harvest);
+    for_each_draw(generator(), count, [&at](std::int32_t word) {
+        store_scaled<Real>(at, word);
+        at += sizeof(Real);
+    });
 }
 
-template <class Real> void random_numbers(void *harvest, std::int32_t count) {
-    Generator &state = generator();
-    auto at = static_cast<Bytes>(harvest);
-    for (; count > 0; --count, at += sizeof(Real)) store_scaled<Real>(at, draw(state));
-}
+template <class Real> void random_number(void *harvest) { random_numbers<Real>(harvest, 1); }
 
 } // namespace quill
