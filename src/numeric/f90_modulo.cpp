@@ -1,5 +1,4 @@
-// MODULO: the remainder with the sign of P. Of integers, and of the reals that the C library's
-// remainder serves.
+// MODULO: the remainder with the sign of P. Of integers, and of reals of kinds 4 and 8.
 #include "numeric/formats.h"
 
 namespace quill {
@@ -16,8 +15,16 @@ template <class Integer> Integer modulo(const void *a_address, const void *p_add
     return static_cast<Integer>(rest == 0 || same_sign ? rest : rest + p);
 }
 
-inline Real4 remainder(Real4 a, Real4 p) { return std::fmod(a, p); }
-inline Real8 remainder(Real8 a, Real8 p) { return std::fmod(a, p); }
+// The remainder with the sign of a, which is exact in every rounding mode. It is what the C
+// library's fmod comes to after checks that are made below.
+inline Real10 remainder(Real10 a, Real10 p) {
+    constexpr std::uint16_t incomplete = 0x400;
+    std::uint16_t status;
+    do {
+        asm("fprem\n\tfnstsw %1" : "+t"(a), "=a"(status) : "u"(p));
+    } while ((status & incomplete) != 0);
+    return a;
+}
 
 // P is a divisor if it is neither zero nor infinite nor a NaN.
 template <class Real> Real real_modulo(const void *a_address, const void *p_address) {
@@ -27,9 +34,9 @@ template <class Real> Real real_modulo(const void *a_address, const void *p_addr
     constexpr auto quiet_nan = infinite | in_exponent_field<Real>(1) / 2;
     if (with_sign(p, 0).upper - 1 >= infinite - 1) return real_of(a);
     if (with_sign(a, 0).upper >= infinite) return real_of<Real>({sign(a) | quiet_nan, 0});
-    const Real rest = remainder(real_of(a), real_of(p));
-    if (sign(a) == sign(p) || rest == 0) return rest;
-    return static_cast<Real>(static_cast<long double>(rest) + static_cast<long double>(real_of(p)));
+    const Real10 divisor = real_at<Real>(p_address);
+    const Real10 rest = remainder(real_at<Real>(a_address), divisor);
+    return static_cast<Real>(sign(a) == sign(p) || rest == 0 ? rest : rest + divisor);
 }
 
 } // namespace
