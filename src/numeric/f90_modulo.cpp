@@ -34,8 +34,8 @@ template <class Real> Real real_modulo(const void *a_address, const void *p_addr
     constexpr auto quiet_nan = infinite | in_exponent_field<Real>(1) / 2;
     if (with_sign(p, 0).upper - 1 >= infinite - 1) return real_of(a);
     if (with_sign(a, 0).upper >= infinite) return real_of<Real>({sign(a) | quiet_nan, 0});
-    const Real10 divisor = real_at<Real>(p_address);
-    const Real10 rest = remainder(real_at<Real>(a_address), divisor);
+    const Real10 divisor = real_of(p);
+    const Real10 rest = remainder(real_of(a), divisor);
     return static_cast<Real>(sign(a) == sign(p) || rest == 0 ? rest : rest + divisor);
 }
 
