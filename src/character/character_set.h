@@ -5,6 +5,8 @@
 #include "character/strings.h"
 #include "frame/isa.h"
 
+#include <immintrin.h>
+
 namespace quill {
 
 // Byte c belongs to the set if bit c / 16 % 8 is set in the row of c % 16, of the second
@@ -21,6 +23,22 @@ struct CharacterSet {
     bool contains(unsigned c) const { return (rows[c >> 7][c & 15] >> (c >> 4 & 7) & 1) != 0; }
 };
 
+// A bit for each of sixteen bytes that is in the set. Half of the table rows are 0 in either
+// shuffle: those of bytes whose top bit is set in the index.
+[[gnu::target("avx2")]] inline std::uint32_t members(const CharacterSet &set, const Byte *at) {
+    const auto load = [](const Byte *from) {
+        return _mm_loadu_si128(reinterpret_cast<const __m128i *>(from));
+    };
+    const __m128i bytes = load(at);
+    const __m128i row = _mm_or_si128(
+        _mm_shuffle_epi8(load(set.rows[0]), bytes),
+        _mm_shuffle_epi8(load(set.rows[1]), _mm_xor_si128(bytes, _mm_set1_epi8(-128))));
+    const __m128i powers = _mm_set1_epi64x(static_cast<std::int64_t>(0x80402010'08040201));
+    const __m128i high = _mm_and_si128(_mm_srli_epi16(bytes, 4), _mm_set1_epi8(7));
+    const __m128i found = _mm_and_si128(row, _mm_shuffle_epi8(powers, high));
+    return bits_of(_mm_cmpeq_epi8(found, _mm_setzero_si128())) ^ 0xFFFFU;
+}
+
 // A byte that is in the set, or that is not, as `wanted` says.
 template <bool wanted, bool shuffles> struct Membership {
     const Byte *string;
@@ -30,18 +48,10 @@ template <bool wanted, bool shuffles> struct Membership {
 
     std::uint32_t sixteen(std::uint32_t p) const {
         if constexpr (shuffles) {
-            const SixteenCharacters bytes = sixteen_at(string + p);
-            const SixteenCharacters low = bytes & 15;
-            const SixteenCharacters high = bytes >> 4;
-            const auto table = [this](int i) { return sixteen_at(set.rows[i]); };
-            const SixteenCharacters row =
-                high > 7 ? __builtin_shuffle(table(1), low) : __builtin_shuffle(table(0), low);
-            const auto bit = numbered_lanes<Byte, 16>([](int i) { return 1 << i % 8; });
-            const auto found = bits_of((row & __builtin_shuffle(bit, high)) != 0);
-            return wanted ? found : found ^ 0xFFFFU;
+            return members(set, string + p) ^ (wanted ? 0 : 0xFFFFU);
         } else {
             std::uint32_t bits = 0;
-            for (std::uint32_t i = 0; i < at_once; ++i) bits |= unsigned{at(p + i)} << i;
+            for (std::uint32_t i = 0; i < at_once; ++i) bits |= std::uint32_t{at(p + i)} << i;
             return bits;
         }
     }

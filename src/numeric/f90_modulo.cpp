@@ -19,11 +19,11 @@ template <class Integer> Integer modulo(const void *a_address, const void *p_add
 // library's fmod comes to after checks that are made below.
 inline Real10 remainder(Real10 a, Real10 p) {
     constexpr std::uint16_t incomplete = 0x400;
-    std::uint16_t status;
-    do {
+    for (;;) {
+        std::uint16_t status;
         asm("fprem\n\tfnstsw %1" : "+t"(a), "=a"(status) : "u"(p));
-    } while ((status & incomplete) != 0);
-    return a;
+        if ((status & incomplete) == 0) return a;
+    }
 }
 
 // P is a divisor if it is neither zero nor infinite nor a NaN.

@@ -60,12 +60,12 @@ template <class Real> struct Bits {
 // ---- Loads and results --------------------------------------------------------------
 
 template <class Real> [[gnu::always_inline]] inline Bits<Real> bits_at(const void *at) {
-    using Upper = typename Format<Real>::Upper;
     const auto *bytes = static_cast<ConstBytes>(at);
-    if constexpr (has_lower_part<Real>)
-        return {load<Upper>(bytes + 8), load<std::uint64_t>(bytes)};
-    else
-        return {load<Upper>(bytes), 0};
+    Bits<Real> bits{};
+    if constexpr (has_lower_part<Real>) std::memcpy(&bits.lower, bytes, sizeof bits.lower);
+    std::memcpy(&bits.upper, bytes + (has_lower_part<Real> ? sizeof bits.lower : 0),
+                sizeof bits.upper);
+    return bits;
 }
 
 template <class Real> [[gnu::always_inline]] inline Real real_at(const void *at) {
