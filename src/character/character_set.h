@@ -44,11 +44,11 @@ template <bool wanted, bool shuffles> struct Membership {
     const Byte *string;
     const CharacterSet &set;
 
-    bool at(std::uint32_t p) const { return set.contains(string[p]) == wanted; }
+    bool at(std::uint32_t p) const { return set.contains(*behind(string, p)) == wanted; }
 
     std::uint32_t sixteen(std::uint32_t p) const {
         if constexpr (shuffles) {
-            return members(set, string + p) ^ (wanted ? 0 : 0xFFFFU);
+            return members(set, behind(string, p)) ^ (wanted ? 0 : 0xFFFFU);
         } else {
             std::uint32_t bits = 0;
             for (std::uint32_t i = 0; i < at_once; ++i) bits |= std::uint32_t{at(p + i)} << i;

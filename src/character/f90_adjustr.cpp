@@ -7,6 +7,6 @@ extern "C" void f90_adjustr(const char *source, std::uint32_t length, char *dest
         quill::length_without_trailing_blanks(quill::string_at(source, length));
     const std::uint32_t blanks = length - kept;
     std::memset(destination, quill::blank, blanks);
-    quill::copy_bytes(reinterpret_cast<quill::Bytes>(destination + blanks),
+    quill::copy_bytes(reinterpret_cast<quill::Bytes>(quill::behind(destination, blanks)),
                       reinterpret_cast<quill::ConstBytes>(source), kept);
 }

@@ -13,11 +13,13 @@ struct Occurrence {
     std::uint32_t last; // distance of SUBSTRING's last byte from its first
 
     bool at(std::uint32_t p) const {
-        return string[p] == substring[0] && std::memcmp(string + p, substring, last + 1) == 0;
+        const Byte *place = behind(string, p);
+        return *place == *substring && std::memcmp(place, substring, last + 1) == 0;
     }
     std::uint32_t sixteen(std::uint32_t p) const {
-        return bits_of((sixteen_at(string + p) == substring[0]) &
-                       (sixteen_at(string + p + last) == substring[last]));
+        const SixteenCharacters firsts = sixteen_at(behind(string, p));
+        const SixteenCharacters lasts = sixteen_at(behind(string, p + last));
+        return bits_of((firsts == *substring) & (lasts == *behind(substring, last)));
     }
 };
 

@@ -25,6 +25,12 @@ inline String string_in(const f90_Slot &slot) {
     return {reinterpret_cast<const Byte *>(slot.Word0), slot.Word1};
 }
 
+// The byte so far behind `at`: a distance may be more than the half of all addresses, and so not
+// for the arithmetic of pointers.
+template <class T> T *behind(T *at, std::uint32_t distance) {
+    return reinterpret_cast<T *>(reinterpret_cast<std::uintptr_t>(at) + distance);
+}
+
 // An absent BACK is false, any word but 0 true.
 inline bool from_the_end(const f90_ArgList &list) {
     return argument_given(list, 3) && list.Arg3.Word0 != 0;
@@ -101,9 +107,9 @@ template <class Match>
 struct NotBlank {
     const Byte *string;
 
-    bool at(std::uint32_t p) const { return string[p] != blank; }
+    bool at(std::uint32_t p) const { return *behind(string, p) != blank; }
     std::uint32_t sixteen(std::uint32_t p) const {
-        return bits_of(sixteen_at(string + p) == blank) ^ 0xFFFFU;
+        return bits_of(sixteen_at(behind(string, p)) == blank) ^ 0xFFFFU;
     }
 };
 
