@@ -9,7 +9,7 @@ fortran_packages := $(library_packages) gfortran gfortran-multilib
 test_packages    := $(fortran_packages) googletest binutils pkg-config
 
 .DEFAULT_GOAL := library
-.PHONY: library demo test bench install check sanitize format tidy coverage clean help
+.PHONY: library demo test bench install check sanitize exhaustive format tidy coverage clean help
 
 library: ## build build/libquillfn.so (the default)
 	@scripts/install-packages $(library_packages)
@@ -33,6 +33,12 @@ sanitize: ## the tests under address and undefined-behaviour sanitizers
 	cmake --preset sanitize
 	cmake --build --preset sanitize
 	ctest --preset sanitize
+
+exhaustive: ## every real of kind 4 through the functions of one real; takes half an hour
+	@scripts/install-packages $(test_packages)
+	cmake --preset release -DQUILLFN_TESTS=ON
+	cmake --build --preset release --target numeric_test
+	QUILLFN_STEP=1 build/tests/numeric_test --gtest_filter='*EveryReal4'
 
 format: ## whether clang-format would change a file
 	@scripts/install-packages clang-format

@@ -2,7 +2,7 @@
 ! extrema and their places, dot products, counts and conditions), multiplies matrices
 ! of every kind and shifts, packs, reshapes and transposes the table, once with the compiler's own
 ! intrinsics and once with the library, and fails when a pair differs by more than
-! rounding allows.
+! rounding allows. It takes numbers and names apart the same way, and draws samples at random.
 ! Then it fits employment by the other series and fails when the widest kind does not
 ! show every certified digit. One procedure for each section.
 program longley
@@ -16,6 +16,7 @@ program longley
     use library_real8
     use library_real10
     use library_real16
+    use library_scalars
     use matrix_products_integer1
     use matrix_products_integer2
     use matrix_products_integer4
@@ -91,6 +92,9 @@ program longley
     call years_in_rows
     call bytes_of_numbers
     call moved_elements
+    call numbers_taken_apart
+    call names_looked_through
+    call mean_by_resampling
     call regression_of_employment
     call judge
 
@@ -594,6 +598,55 @@ contains
         call compare_shapes('CHARACTER(7)', texts)
         call compare_shapes_of_labels('CHARACTER(20)', labels)
         call report_moved
+    end subroutine
+
+    subroutine numbers_taken_apart
+        associate (first => real8(1, :), last => real8(years, :))
+            call open_section('Numbers taken apart', &
+                'EXPONENT, FRACTION and SPACING of the first year, and MODULO(last year, first year).')
+            call compare('exponent, ' // names, exact, exponent(first), library_exponent(first))
+            call compare('fraction, ' // names, exact, fraction(first), library_fraction(first))
+            call compare('spacing, ' // names, exact, spacing(first), library_spacing(first))
+            call compare('modulo, ' // names, exact, modulo(last, first), library_modulo(last, first))
+        end associate
+    end subroutine
+
+    subroutine names_looked_through
+        character(*), parameter :: vowels = 'aeiouAEIOU'
+        character(*), parameter :: letters = 'abcdefghijklmnopqrstuvwxyzGNP'
+
+        call open_section('Names looked through', &
+            'LEN_TRIM; INDEX of "me", SCAN for the last vowel, VERIFY for what is no letter.')
+        call compare('length, ' // names, exact, len_trim(names), library_len_trim(names))
+        call compare('index, ' // names, exact, index(names, 'me'), library_index(names, 'me', .false.))
+        call compare('scan, ' // names, exact, scan(names, vowels, .true.), &
+                     library_scan(names, vowels, .true.))
+        call compare('verify, ' // names, exact, verify(names, letters), &
+                     library_verify(names, letters, .false.))
+        if (any(adjustr(names) /= library_adjustr(names))) call give_up('ADJUSTR differs')
+    end subroutine
+
+    ! Means of as many years as there are, each year drawn at random: their deviation is the
+    ! error of the mean, which theory puts at that of the series over the root of its length.
+    subroutine mean_by_resampling
+        integer, parameter :: samples = 4000
+        real(8) :: means(samples), drawn(years), center, error, mean, deviation
+        integer :: i
+
+        call print_title('The mean of employment and its error', &
+            'From 4000 samples of 16 years that RANDOM_NUMBER of the library draws, and from theory.')
+        do i = 1, samples
+            call library_random_number(drawn)
+            means(i) = sum(real8(1 + int(years * drawn), 1)) / years
+        end do
+        center = sum(real8(:, 1)) / years
+        error = norm2(real8(:, 1) - center) / years
+        mean = sum(means) / samples
+        deviation = norm2(means - mean) / sqrt(real(samples, 8))
+        print '(2x,a,f12.1,a,f8.1)', 'samples', mean, ' +-', deviation
+        print '(2x,a,f12.1,a,f8.1)', 'theory ', center, ' +-', error
+        if (abs(deviation - error) > 0.05_8 * error) &
+            call give_up('the samples are not those of a random generator')
     end subroutine
 
     ! Every term of X'X and X'y is positive, so sums of 16 terms in any two orders are

@@ -1,5 +1,4 @@
-! The character intrinsics by the machine's Fortran compiler: new strings one behind the other, and
-! numbers, the first of which were BACK and NCOPIES.
+! The character intrinsics by the machine's Fortran compiler, BACK and NCOPIES first in numbers.
 subroutine fortran_characters(string, other, made, numbers)
     character(*) :: string, other, made
     integer :: numbers(4)

@@ -46,8 +46,7 @@ static f90_Slot call(f90_Intrinsic *member, f90_ArgList list, int arguments) {
 }
 
 // A call that must make this string, of the caller's storage or of new storage.
-static void try_making(Random &random, f90_Intrinsic *member, f90_ArgList list,
-                       const String &made) {
+static void try_make(Random &random, f90_Intrinsic *member, f90_ArgList list, const String &made) {
     const bool given = coin(random), checked = member == f90_trim || list.Flags & 1;
     const std::size_t size = made.size(), room = given ? size + pick(random, 0, 3) : 0;
     const std::size_t told[] = {size, room, SIZE_MAX, checked ? size : random() % (size + 1)};
@@ -92,9 +91,9 @@ static void try_calls(Random &random, const String &string, const String &other)
     f90_adjustr(text.at, n, right.at);
     ASSERT_TRUE(left.has_become(made.substr(0, n)) && right.has_become(made.substr(n, n)));
     ASSERT_TRUE(unsigned(f90_lentrim(text.at, n)) == end && f90_klentrim(text.at, n) == end);
-    try_making(random, f90_trim, list, made.substr(2 * n, end));
+    try_make(random, f90_trim, list, made.substr(2 * n, end));
     list.Arg2.Word0 = copies;
-    try_making(random, f90_repeat, list, made.substr(2 * n + end));
+    try_make(random, f90_repeat, list, made.substr(2 * n + end));
 }
 
 // Every length to 40, and with it in turn every number to two more; and longer strings.
@@ -108,9 +107,8 @@ TEST(Character, AgreesWithModelAndFortran) {
     String bytes(256, 0);
     for (int i = 0; i < 256; ++i) bytes[i] = i;
     for (int i = random_rounds(43 * 43); i-- && !HasFatalFailure();) {
-        const bool longer = i % 43 > 40;
-        const int n = longer ? pick(random, 41, pick(random, 0, 9) ? 200 : 4000) : i % 43;
-        const int m = longer ? pick(random, 0, coin(random) ? 20 : n + 2) : i / 43 % (n + 3);
+        const int n = i % 43 > 40 ? pick(random, 41, pick(random, 0, 9) ? 200 : 4000) : i % 43;
+        const int m = n > 40 ? pick(random, 0, coin(random) ? 20 : n + 2) : i / 43 % (n + 3);
         const String sorts[] = {"x", "xy", "\t ", {"\0\t \x80\xA0\xFF", 6}, bytes};
         const String &letters = sorts[pick(random, 0, 4)], part = any(letters, m);
         String string = any(letters, n);
@@ -131,7 +129,7 @@ TEST(Character, AgreesWithModelAndFortran) {
 
 // Only the last page of so long a string is there: what looks from the end reads no other.
 TEST(Character, TakesLengthsWithoutSign) {
-    const Text page(false, 4096, String(4096, 'x').data());
+    const Text page(false, 1, "x");
     const std::uintptr_t length = 0x80000010, start = std::uintptr_t(page.end()) - length;
     EXPECT_EQ(f90_lentrim(reinterpret_cast<char *>(start), length), INT32_MIN + 16);
     EXPECT_EQ(f90_klentrim(reinterpret_cast<char *>(start), length), INT32_MIN + 16);
@@ -155,12 +153,10 @@ TEST(Character, ReportsWrongLengths) {
     const String negative = report(
         "REPEAT", " The NCOPIES argument has a value of -2. NCOPIES should be nonnegative.\n");
     EXPECT_EQ(ending(f90_trim, 0, 5, 0, 1), wrong("TRIM", 1, 2));
-    EXPECT_EQ(ending(f90_trim, ~0U, 5, 0, 0), wrong("TRIM", 0, 2));
     EXPECT_EQ(ending(f90_repeat, ~0U, 2, -2, 0), negative);
     EXPECT_EQ(ending(f90_repeat, 1, 2, 3, 5), wrong("REPEAT", 5, 6));
     EXPECT_EQ(ending(f90_repeat, 1, 1U << 31, 1, 0), wrong("REPEAT", 0, INT32_MIN));
     EXPECT_EQ(ending(f90_repeat, 1, 65537, 65537, 5), wrong("REPEAT", 5, 131073)); // by 32 bits
-    EXPECT_EQ(ending(f90_repeat, 0, 65536, 65536, 7), "status 7: ");               // 0 by 32 bits
-    EXPECT_EQ(ending(f90_repeat, 1, 0x60000000, 3, 7), "status 7: ");
+    EXPECT_EQ(ending(f90_repeat, 0, 65537, 65537, 7), "status 7: ");
     EXPECT_EQ(ending(f90_repeat, ~1U, SIZE_MAX, -2, 7), "status 0: ");
 }
