@@ -13,5 +13,7 @@ void bench_shifts(Table &table);
 void bench_packing(Table &table);
 void bench_shaping(Table &table);
 void bench_transfer(Table &table);
+void bench_characters(Table &table);
+void bench_scalars(Table &table);
 
 } // namespace bench

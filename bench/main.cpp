@@ -1,7 +1,8 @@
 // quillfn_bench [FILTER]: the library beside gfortran's intrinsics, compiled with
 // -O2 and with -O3 -march=native -mfpmath=sse, matrix products beside OpenBLAS too
 // where it is installed, plain moves beside memcpy. Runs the rows whose name contains
-// FILTER. A time is that of one call whose argument record is already filled.
+// FILTER. A time is that of one call whose argument record is already filled, but of intrinsics
+// of one number that of as many calls as the size says.
 #include "families.h"
 #include "openblas.h"
 
@@ -41,6 +42,8 @@ int main(int argc, char **argv) {
     bench::bench_packing(table);
     bench::bench_shaping(table);
     bench::bench_transfer(table);
+    bench::bench_characters(table);
+    bench::bench_scalars(table);
     if (table.rows == 0) {
         std::fprintf(stderr, "no row's name contains \"%s\"\n", table.filter);
         return EXIT_FAILURE;

@@ -1,6 +1,5 @@
 // CEILING, FLOOR, MODULO, MVBITS, the kinds and NULL against exact comparison, the reduction that
-// MODULO of kinds 10 and 16 is defined by, and the machine's Fortran compiler. Reals are carried
-// as bits, since the x87 would make signalling NaNs quiet.
+// MODULO of kinds 10 and 16 is defined by, and the machine's Fortran compiler.
 #include "support.h"
 
 #include <cfenv>
@@ -40,9 +39,8 @@ template <class R> Bits<R> any_real(Random &random, int exponent) {
     Bits<R> x(R{0});
     write_sort<R>(random, x.bytes(), "oooofcccs+-hlijn"[pick(random, 0, 15)], 0);
     if (exponent != 0) x = Bits<R>(ldexp(x.value(), exponent));
-    const bool wide = sizeof(R) > 8, first = pick(random, 0, 3) == 0,
-               second = pick(random, 0, 3) == 0;
-    return x.cut(wide && first ? 0 : ~0U, wide && second ? 0xFF000000 : ~0U);
+    if (sizeof(R) == 4 || coin(random)) return x;
+    return x.cut(coin(random) ? ~0U : 0, coin(random) || sizeof(R) == 8 ? ~0U : 0xFF000000);
 }
 
 std::uint32_t control_bits() { // of the x87, and of MXCSR without the flags
@@ -74,30 +72,28 @@ template <class R, auto... members> bool rounds(const Bits<R> &bits, double near
 const int modes[] = {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO};
 
 template <class R, auto... members> void try_rounding() {
-    const long double limits[] = {
-        0,       32767,       32768,          INT32_MAX,     0x1p31L,   0x1p52L, 0x1p53L,
-        0x1p62L, 0x1p53L + 1, 0x1p63L - 1536, 0x1p63L - 512, INT64_MAX, 0x1p63L};
+    const long double limits[] = {0,       32767,          32768,         INT32_MAX, 0x1p31L,
+                                  0x1p53L, 0x1p63L - 1536, 0x1p63L - 512, INT64_MAX, 0x1p63L};
     Random random(random_seed());
-    for (int i = random_rounds(6000); i--;) { // all combinations about a limit
-        const R limit = R(i / 3 % 2 ? limits[i / 6 % 13] : -limits[i / 6 % 13]);
-        const R about = beside<R>(limit + R(i / 78 % 7 - 3) / 4, i % 3 - 1);
+    for (int i = random_rounds(20000); i--;) { // every mode for all that is about a limit
+        const R limit = R(i / 3 % 2 ? limits[i / 6 % 10] : -limits[i / 6 % 10]);
+        const R about = beside<R>(limit + R(i / 60 % 7 - 3) / 4, i % 3 - 1);
         const R whole = R(any_integer(random)) + R(pick(random, -3, 3)) / 4;
         for (const Bits<R> &bits : {Bits(about), Bits(beside(whole, pick(random, -1, 1))),
                                     any_real<R>(random, pick(random, 0, 1) * (i % 80 - 9))}) {
-            const volatile double near = static_cast<double>(bits.value()); // before modes change
-            for (const int mode : modes) {
-                std::fesetround(mode);
-                const bool right = rounds<R, members...>(bits, near);
-                std::fesetround(FE_TONEAREST);
-                ASSERT_TRUE(right) << testing::PrintToString(bits) << " in mode " << mode;
-            }
+            const volatile double near =
+                static_cast<double>(bits.value()); // before the mode changes
+            std::fesetround(modes[i / 420 % 4]);
+            const bool right = rounds<R, members...>(bits, near);
+            std::fesetround(FE_TONEAREST);
+            ASSERT_TRUE(right) << testing::PrintToString(bits) << " in mode " << i / 420 % 4;
         }
     }
 }
 
 // The reduction of kinds 10 and 16, of finite numbers that are no zeros.
 template <class R> R reduced(R a, R p) {
-    const unsigned high = quad<R> ? 0xFF000000 : ~0U;
+    const unsigned high = quad<R> ? 0xFF000000 : ~0U, low = quad<R> ? 0 : 0xC0000000;
     const auto exponent = [](R x) { return Bits(x).words[quad<R> + 2] >> quad<R> * 16 & 0x7FFF; };
     const R T = quad<R> ? 0x1p112 : 0x1p63;
     const int s = quad<R> ? 112 : 64;
@@ -110,7 +106,6 @@ template <class R> R reduced(R a, R p) {
         const bool split = Bits(P).words[0] != 0 && (!quad<R> || (Bits(P).words[1] & ~high) != 0);
         while (A > P) {
             const R q = A / P, rounded = (T + q) - T, whole = rounded > q ? rounded - 1 : rounded;
-            const unsigned low = quad<R> ? 0 : 0xC0000000;
             const R t = Bits(whole).cut(low, quad<R> ? 0xFE000000 : ~0U).value();
             A = split ? (A - t * H) - t * (P - H) : A - t * P;
         }
@@ -135,13 +130,13 @@ template <class R> Bits<R> expected_modulo(const Bits<R> &a_bits, R a, R p) {
 template <class R, auto modulo, auto ceiling, auto floor> void try_modulo() {
     const int bias = quad<R> ? 16383 : std::numeric_limits<R>::max_exponent - 1;
     Random random(random_seed());
-    for (int i = random_rounds(10000); i--;) {
-        const int low = pick(random, -bias - 9, coin(random) ? bias : -bias);
-        const int few = pick(random, 0, i % 3 ? 30 : 250), far = bias + pick(random, -4, 4);
-        Bits<R> a = any_real<R>(random, i % 4 ? low + (i % 64 ? few - few / 4 : far) : 0);
-        Bits<R> p = any_real<R>(random, i % 4 ? low : 0);
-        const R multiple = ldexp(p.value() * R(pick(random, -9, 9)), few);
-        if (i % 4 == 1) a = Bits(beside(multiple, pick(random, -1, 1)));
+    for (int i = random_rounds(25000); i--;) {
+        const int low = pick(random, -bias - 40, coin(random) ? bias : -bias);
+        const int few = i % 3 ? pick(random, -60, 60) : pick(random, 60, 250);
+        const int high = low + (i % 256 == 3 ? pick(random, bias - 9, 2 * bias) : few);
+        Bits<R> p = any_real<R>(random, i % 4 ? low : 0), a = any_real<R>(random, i % 4 ? high : 0);
+        if (i % 4 == 1)
+            a = Bits(beside(ldexp(p.value() * R(i % 11 - 5), few), pick(random, -1, 1)));
         if (i % 4 == 2) a = Bits(R(any_integer(random)) / 4), p = Bits(R(any_integer(random)));
         Bits<R> given_a = a, given_p = p, expected = expected_modulo(a, a.value(), p.value());
         const auto result = modulo(given_a.at(), given_p.at());
@@ -159,11 +154,6 @@ template <class R, auto modulo, auto ceiling, auto floor> void try_modulo() {
 
 #define MEMBERS(K)                                                                                 \
     f90_ceiling##K, f90_floor##K, f90_ceilingk##K, f90_floork##K, f90_ceilingh##K, f90_floorh##K
-#define TRY(K, R)                                                                                  \
-    try_rounding<R, MEMBERS(K)>();                                                                 \
-    try_modulo<R, f90_modulor##K, f90_ceilingk##K, f90_floork##K>();
-TEST(Conversions, OfReals){TRY(4, float) TRY(8, double) TRY(10, long double) TRY(16, __float128)}
-
 TEST(Conversions, EveryReal4) {
     const std::uint64_t step = step_through_all(2003);
     Bits<float> x(0);
@@ -180,43 +170,47 @@ TEST(Conversions, EveryReal4) {
 template <class I, auto modulo, auto mvbits> void try_integers() {
     const int bits = 8 * sizeof(I);
     Random random(random_seed());
+    const auto number = [&] { // or one about the ends
+        const std::uint64_t any = any_integer(random), end = greatest<I>;
+        return static_cast<I>(coin(random) ? any : end + pick(random, -3, 3));
+    };
     for (int i = random_rounds(65536); i--;) {
-        const auto end = std::uint64_t{greatest<I>} + pick(random, -3, 3); // either end
-        const I any = static_cast<I>(coin(random) ? end : any_integer(random));
-        const I a = bits == 8 ? I(i >> 8) : any, p = bits == 8 ? I(i) : I(any_integer(random));
+        const I a = bits == 8 ? I(i >> 8) : number(), p = bits == 8 ? I(i) : number();
         const int length = pick(random, 0, bits);
         const int from = pick(random, 0, bits - length), to = pick(random, 0, bits - length);
         std::int64_t x[] = {a, p == 0 || p == -1 ? 1 : p, p};
         by_fortran(x, from, length, to);
-        const I remainder = modulo(Bits(a).at(), Bits(p).at());
-        ASSERT_EQ(remainder, p == 0 ? a : I(x[1])) << +a << " by " << +p;
-        Bits<I> moved(p);
+        Bits<I> moved(p), at_a(a), at_p(p);
+        ASSERT_EQ(modulo(at_a.at(), at_p.at()), p == 0 ? a : I(x[1])) << +a << " by " << +p;
+        ASSERT_TRUE(at_a == Bits(a) && at_p == Bits(p));
         mvbits(a, from, length, moved.at(), to);
         ASSERT_TRUE(moved == Bits(I(x[2]))) << from << " " << length << " " << to;
-        for (int bit = 0; bit < bits; ++bit) {
-            const bool within = bit >= to && bit < to + length;
-            ASSERT_EQ(moved.value() >> bit & 1, (within ? a >> (bit - to + from) : p >> bit) & 1);
-        }
+        for (int b = -to; b < bits - to; ++b)
+            ASSERT_EQ(moved.value() >> (to + b) & 1,
+                      (b >= 0 && b < length ? a >> (from + b) : p >> (to + b)) & 1);
     }
-    for (const int at : {-1, 1, bits + 1, INT32_MAX})
-        for (const int length : {-1, 0, bits, INT32_MAX})
-            for (const bool of_to : {false, true}) {
-                if ((of_to && (length < 0 || length > bits)) || (at == 1 && length == 0)) continue;
-                char text[300];
-                std::snprintf(text, sizeof text,
-                              " Argument %s has the value %d and argument LEN has the value %d.\n"
-                              " Both arguments should have nonnegative values and their sum should"
-                              " be less than or equal to %d.\n",
-                              of_to ? "TOPOS" : "FROMPOS", at, length, bits);
-                const auto call = [&](int from, int to) {
-                    return [=] { mvbits(-1, from, length, Bits(I{0}).at(), to); };
-                };
-                EXPECT_EQ(fatal_message(of_to ? call(0, at) : call(at, -1)),
-                          report("MVBITS", text));
-            }
+    const int most = INT32_MAX, over = bits + 1;
+    const int wrong[][11] = {{-1, 0, 1, over, most, 1, most, 0, 0, 0, 0},    // FROMPOS
+                             {1, -1, bits, 0, 1, most, most, 0, bits, 0, 1}, // LEN
+                             {-1, 0, 1, 0, 0, 0, 0, -1, 1, over, most}};     // TOPOS
+    for (int i = 0; i < 11; ++i) {
+        const int from = wrong[0][i], length = wrong[1][i], to = wrong[2][i];
+        const bool of_to = from == 0 && length >= 0;
+        char text[300];
+        std::snprintf(text, sizeof text,
+                      " Argument %s has the value %d and argument LEN has the value %d.\n"
+                      " Both arguments should have nonnegative values and their sum should"
+                      " be less than or equal to %d.\n",
+                      of_to ? "TOPOS" : "FROMPOS", of_to ? to : from, length, bits);
+        const auto call = [&] { mvbits(-1, from, length, Bits(I{0}).at(), to); };
+        EXPECT_EQ(fatal_message(call), report("MVBITS", text));
+    }
 }
 
-TEST(Conversions, Integers) {
+#define REAL(K, R)                                                                                 \
+    try_rounding<R, MEMBERS(K)>(), try_modulo<R, f90_modulor##K, f90_ceilingk##K, f90_floork##K>()
+TEST(Conversions, OfAllKinds) {
+    REAL(4, float), REAL(8, double), REAL(10, long double), REAL(16, __float128);
     try_integers<std::int8_t, f90_moduloi1, f90_mvbits1>(); // all pairs
     try_integers<std::int16_t, f90_moduloi2, f90_mvbits2>();
     try_integers<std::int32_t, f90_moduloi4, f90_mvbits4>();
@@ -224,29 +218,25 @@ TEST(Conversions, Integers) {
 }
 
 TEST(Conversions, KindsAndNull) {
-    for (int i = -3; i < 42; ++i)
+    for (int i = -12; i < 168; ++i)
         for (const int r : {INT32_MIN, -1, 0, 37, 38, 307, 308, 4932, 4933, INT32_MAX}) {
-            const int p = i == 40 ? INT32_MIN : i == 41 ? INT32_MAX : i;
+            const int p = i >= 164 ? INT32_MAX : i >= 160 ? INT32_MIN : i >> 2;
             const int by_p = p <= 6 ? 4 : p <= 15 ? 8 : p <= 33 ? 16 : -1;
             const int by_r = r <= 37 ? 4 : r <= 307 ? 8 : r <= 4932 ? 16 : -2;
             const int both = by_p < 0 || by_r < 0 ? -3 : std::max(by_p, by_r);
-            const int kinds[] = {by_r, by_p, by_r, both};
             const int of_integer = p <= 2 ? 1 : p <= 4 ? 2 : p <= 9 ? 4 : p <= 18 ? 8 : -1;
-            for (const int presence : {0, 1, 2, 3}) {
-                Call call = Call().value(0, -77).value(1, p).value(2, r);
-                call.list.Presence = std::uint16_t(presence << 1 | (i % 2 ? 0xFFF9 : 0));
-                call(f90_selrealkind);
-                ASSERT_EQ(int(call.list.Result.Word0), kinds[presence]) << p << " " << r;
-                call(f90_selintkind);
-                ASSERT_EQ(int(call.list.Result.Word0), of_integer) << p;
-            }
+            Call call = Call().value(0, -77).value(1, p).value(2, r);
+            call.list.Presence = std::uint16_t((i & 3) << 1 | (r % 2 ? 0xFFF9 : 0));
+            call(f90_selrealkind);
+            ASSERT_EQ(int(call.list.Result.Word0), (std::array{by_r, by_p, by_r, both}[i & 3]));
+            call(f90_selintkind);
+            ASSERT_EQ(int(call.list.Result.Word0), of_integer) << p;
         }
-    f90_ArrDesc pointer;
-    std::memset(&pointer, 0xA5, sizeof pointer);
-    f90_ArrDesc expected = pointer;
-    expected.ZERO = expected.BASE = nullptr;
-    Call().array(0, pointer)(f90_Null);
-    EXPECT_EQ(std::memcmp(&pointer, &expected, sizeof pointer), 0);
+    std::array<int, 40> pointer, expected; // longer than a descriptor
+    pointer.fill(-1), expected.fill(-1);
+    expected[0] = expected[1] = 0;
+    Call().slot(0, std::uintptr_t(pointer.data()))(f90_Null);
+    EXPECT_EQ(pointer, expected);
 }
 
 } // namespace

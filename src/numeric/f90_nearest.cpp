@@ -26,7 +26,7 @@ template <class Real> Real nearest(const void *address, const void *s_address) {
     if constexpr (std::is_same_v<Real, Quad>)
         return x + step;
     else
-        return static_cast<Real>(static_cast<long double>(x) + static_cast<long double>(step));
+        return static_cast<Real>(extended(x) + extended(step));
 }
 
 } // namespace

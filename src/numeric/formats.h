@@ -99,6 +99,14 @@ template <class Real> [[gnu::always_inline]] inline auto returned(const Real &re
         return real;
 }
 
+// A number in an x87 register. The compiler sees it no further, or it would do what it can of
+// such arithmetic in the vector unit.
+template <class Real> [[gnu::always_inline]] inline long double extended(const Real &real) {
+    long double wide = real;
+    asm("" : "+t"(wide));
+    return wide;
+}
+
 // ---- Fields -------------------------------------------------------------------------
 
 template <class Real>
@@ -178,7 +186,7 @@ template <class Real> Bits<Real> normalised(const Bits<Real> &bits) {
     if constexpr (std::is_same_v<Real, Quad>)
         product = real_of(bits) * static_cast<__float128>(factor);
     else
-        product = static_cast<Real>(static_cast<long double>(real_of(bits)) * factor);
+        product = static_cast<Real>(extended(real_of(bits)) * factor);
     return bits_at<Real>(&product);
 }
 

@@ -81,14 +81,14 @@ template <class Integer, class Real> bool is_less(Integer part, const Real &x) {
     if constexpr (std::is_same_v<Real, Quad>)
         return _compare_fp(Quad(static_cast<long long>(part)), x, 1, 0, 0) != 0;
     else
-        return static_cast<long double>(part) < static_cast<long double>(x);
+        return static_cast<long double>(part) < extended(x);
 }
 
 template <class Integer, class Real> bool is_greater(Integer part, const Real &x) {
     if constexpr (std::is_same_v<Real, Quad>)
         return _compare_fp(Quad(static_cast<long long>(part)), x, 0, 1, 0) != 0;
     else
-        return static_cast<long double>(part) > static_cast<long double>(x);
+        return static_cast<long double>(part) > extended(x);
 }
 
 template <class Integer, class Real> Integer ceiling(const void *address) {
