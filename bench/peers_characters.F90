@@ -2,9 +2,9 @@
 ! bytes; of REPEAT m is NCOPIES. A result that is a string has k bytes: exactly those that it
 ! takes, so that none are filled up with blanks.
 
-! r(1) = VALUE, where RESULT declares r to C, for which a string is an array of its bytes, and
+! TARGET = VALUE, where RESULT declares r to C, for which a string is an array of its bytes, and
 ! ANSWER to Fortran.
-#define STRINGS(NAME, RESULT, ANSWER, VALUE) \
+#define STRINGS(NAME, RESULT, ANSWER, TARGET, VALUE) \
 subroutine NAME(a, b, n, m, k, r) bind(c, name=PEER//"NAME") ;\
   implicit none ;\
   integer(4), value :: n, m, k ;\
@@ -16,16 +16,18 @@ contains ;\
     character(n) :: a(1) ;\
     character(m) :: b(1) ;\
     ANSWER ;\
-    r(1) = VALUE ;\
+    TARGET = VALUE ;\
   end subroutine ;\
 end subroutine
 
-#define STRING(NAME, VALUE) STRINGS(NAME, character(1) :: r(k), character(k) :: r(1), VALUE)
-#define POSITION(NAME, VALUE) STRINGS(NAME, integer(4) :: r(1), integer(4) :: r(1), VALUE)
+#define STRING_TO(NAME, TARGET, VALUE) \
+STRINGS(NAME, character(1) :: r(k), character(k) :: r(1), TARGET, VALUE)
+#define STRING(NAME, VALUE) STRING_TO(NAME, r(1), VALUE)
+#define POSITION(NAME, VALUE) STRINGS(NAME, integer(4) :: r(1), integer(4) :: r(1), r(1), VALUE)
 
 STRING(string_adjustl, adjustl(a(1)))
 STRING(string_adjustr, adjustr(a(1)))
-STRING(string_trim, trim(a(1)))
+STRING_TO(string_trim, r(1)(:len_trim(a(1))), trim(a(1)))
 STRING(string_repeat, repeat(a(1), m))
 
 POSITION(string_len_trim, len_trim(a(1)))

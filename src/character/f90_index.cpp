@@ -7,15 +7,27 @@
 namespace quill {
 namespace {
 
+template <class T> bool have_same_ends(const Byte *a, const Byte *b, std::uint32_t length) {
+    return std::memcmp(a, b, sizeof(T)) == 0 &&
+           std::memcmp(a + length - sizeof(T), b + length - sizeof(T), sizeof(T)) == 0;
+}
+
+// Whether two strings of at least one byte are equal; up to 16 bytes their ends are all of them.
+inline bool are_equal(const Byte *a, const Byte *b, std::uint32_t length) {
+    if (length >= 8)
+        return have_same_ends<std::uint64_t>(a, b, length) &&
+               (length <= 16 || std::memcmp(a, b, length) == 0);
+    if (length >= 4) return have_same_ends<std::uint32_t>(a, b, length);
+    if (length >= 2) return have_same_ends<std::uint16_t>(a, b, length);
+    return *a == *b;
+}
+
 struct Occurrence {
     const Byte *string;
     const Byte *substring;
     std::uint32_t last; // distance of SUBSTRING's last byte from its first
 
-    bool at(std::uint32_t p) const {
-        const Byte *place = behind(string, p);
-        return *place == *substring && std::memcmp(place, substring, last + 1) == 0;
-    }
+    bool at(std::uint32_t p) const { return are_equal(behind(string, p), substring, last + 1); }
     std::uint32_t sixteen(std::uint32_t p) const {
         const SixteenCharacters firsts = sixteen_at(behind(string, p));
         const SixteenCharacters lasts = sixteen_at(behind(string, p + last));

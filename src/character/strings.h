@@ -113,13 +113,25 @@ struct NotBlank {
     }
 };
 
+// Whether 64 bytes are all blank, which is asked first where there may be many blanks.
+inline bool are_blank(const Byte *at) {
+    const auto truth = (sixteen_at(at) == blank) & (sixteen_at(at + 16) == blank) &
+                       (sixteen_at(at + 32) == blank) & (sixteen_at(at + 48) == blank);
+    return bits_of(truth) == 0xFFFF;
+}
+
 inline std::uint32_t length_without_trailing_blanks(const String &string) {
-    return last_position(NotBlank{string.at}, string.length);
+    std::uint32_t length = string.length;
+    while (length >= 64 && are_blank(behind(string.at, length - 64))) length -= 64;
+    return last_position(NotBlank{string.at}, length);
 }
 
 inline std::uint32_t leading_blanks(const String &string) {
-    const std::uint32_t first = first_position(NotBlank{string.at}, string.length);
-    return first == 0 ? string.length : first - 1;
+    std::uint32_t blanks = 0;
+    while (string.length - blanks >= 64 && are_blank(behind(string.at, blanks))) blanks += 64;
+    const std::uint32_t rest = string.length - blanks;
+    const std::uint32_t first = first_position(NotBlank{behind(string.at, blanks)}, rest);
+    return first == 0 ? string.length : blanks + first - 1;
 }
 
 } // namespace quill

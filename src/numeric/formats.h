@@ -178,9 +178,9 @@ template <class Real> bool passes_zero_test(const Bits<Real> &bits) {
                (magnitude == all_ones<Real> && !has_zero_fraction(bits));
 }
 
-// Of a number whose exponent field is 0 the bits of its product with the normalising factor.
-template <class Real> Bits<Real> normalised(const Bits<Real> &bits) {
-    if (exponent_field(bits) != 0) return bits;
+// The bits of a number's product with the normalising factor. Not part of its callers, whose usual
+// case needs no constant from memory.
+template <class Real> [[gnu::noinline]] Bits<Real> magnified(const Bits<Real> &bits) {
     constexpr long double factor = Format<Real>::normalising_factor;
     Real product;
     if constexpr (std::is_same_v<Real, Quad>)
@@ -188,6 +188,11 @@ template <class Real> Bits<Real> normalised(const Bits<Real> &bits) {
     else
         product = static_cast<Real>(extended(real_of(bits)) * factor);
     return bits_at<Real>(&product);
+}
+
+// The same of a number whose exponent field is 0; others are normal as they are.
+template <class Real> Bits<Real> normalised(const Bits<Real> &bits) {
+    return exponent_field(bits) != 0 ? bits : magnified(bits);
 }
 
 // ---- Exponents from the caller ------------------------------------------------------
