@@ -10,7 +10,7 @@ template <class Real> std::int32_t exponent(const void *address) {
     if (passes_zero_test(bits)) return 0;
     constexpr std::int32_t of_half = Format<Real>::bias - 1;
     if (exponent_field(bits) != 0) return exponent_field(bits) - of_half;
-    return exponent_field(normalised(bits)) - of_half - (Format<Real>::digits - 1);
+    return exponent_field(magnified(bits)) - of_half - (Format<Real>::digits - 1);
 }
 
 } // namespace

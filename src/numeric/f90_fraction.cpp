@@ -8,7 +8,8 @@ template <class Real> Real fraction(const void *address) {
     const Bits<Real> bits = bits_at<Real>(address);
     if (passes_zero_test(bits)) return Real(0.0);
     constexpr std::int32_t of_half = Format<Real>::bias - 1;
-    return real_of(with_exponent_field(normalised(bits), of_half));
+    return with_normalised(
+        bits, [](Bits<Real> normal) { return real_of(with_exponent_field(normal, of_half)); });
 }
 
 } // namespace

@@ -7,13 +7,12 @@
 namespace quill {
 namespace {
 
-// The distance, positive, towards the sign of s.
+// The distance, positive, towards the sign of s: from a power of two towards zero it is half.
 template <class Real>
 [[gnu::always_inline]] inline Bits<Real> distance(const Bits<Real> &bits, const Bits<Real> &s) {
     constexpr std::int32_t digits = Format<Real>::digits;
     if (passes_zero_test(bits)) return power_of_two<Real>(1);
-    const bool towards_zero = sign(bits) != sign(s);
-    const std::int32_t half = towards_zero && has_zero_fraction(bits) ? 1 : 0;
+    const std::int32_t half = has_zero_fraction(bits) && sign(bits) != sign(s) ? 1 : 0;
     const std::int32_t field = exponent_field(bits) - (digits - 1) - half;
     if (field >= 1) return power_of_two<Real>(field);
     return fraction_bit<Real>(std::max(digits - 2 + field, 0));

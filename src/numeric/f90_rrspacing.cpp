@@ -8,7 +8,9 @@ template <class Real> Real rrspacing(const void *address) {
     const Bits<Real> bits = bits_at<Real>(address);
     if (passes_zero_test(bits)) return Real(0.0);
     constexpr std::int32_t of_greatest = Format<Real>::bias + Format<Real>::digits - 1;
-    return real_of(with_sign(with_exponent_field(normalised(bits), of_greatest), 0));
+    return with_normalised(bits, [](Bits<Real> normal) {
+        return real_of(with_sign(with_exponent_field(normal, of_greatest), 0));
+    });
 }
 
 } // namespace

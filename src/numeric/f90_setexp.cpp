@@ -5,17 +5,21 @@
 namespace quill {
 namespace {
 
-template <class Real> Real set_exponent(const void *address, const std::int32_t *exponent) {
-    const Bits<Real> bits = bits_at<Real>(address);
-    if (passes_zero_test(bits)) return real_of(bits);
-    const std::int32_t field = within_reach(*exponent) + Format<Real>::bias - 1;
-    if (field >= all_ones<Real>) return real_of(with_sign(infinity<Real>(), sign(bits)));
-    const Bits<Real> normal = normalised(bits);
+// A normal number with another exponent field.
+template <class Real> Real with_field(const Bits<Real> &normal, std::int32_t field) {
     if (field >= 1) return real_of(with_exponent_field(normal, field));
     if constexpr (std::is_same_v<Real, Real4>)
         return real_of(truncated_to_subnormal(normal, field));
     else
         return scaled(real_of(with_exponent_field(normal, 1)), field - 1);
+}
+
+template <class Real> Real set_exponent(const void *address, const std::int32_t *exponent) {
+    const Bits<Real> bits = bits_at<Real>(address);
+    if (passes_zero_test(bits)) return real_of(bits);
+    const std::int32_t field = within_reach(*exponent) + Format<Real>::bias - 1;
+    if (field >= all_ones<Real>) return real_of(with_sign(infinity<Real>(), sign(bits)));
+    return with_normalised(bits, [=](Bits<Real> normal) { return with_field(normal, field); });
 }
 
 } // namespace

@@ -180,7 +180,7 @@ template <class Real> bool passes_zero_test(const Bits<Real> &bits) {
 
 // The bits of a number's product with the normalising factor. Not part of its callers, whose usual
 // case needs no constant from memory.
-template <class Real> [[gnu::noinline]] Bits<Real> magnified(const Bits<Real> &bits) {
+template <class Real> [[gnu::noinline]] Bits<Real> magnified(Bits<Real> bits) {
     constexpr long double factor = Format<Real>::normalising_factor;
     Real product;
     if constexpr (std::is_same_v<Real, Quad>)
@@ -190,9 +190,11 @@ template <class Real> [[gnu::noinline]] Bits<Real> magnified(const Bits<Real> &b
     return bits_at<Real>(&product);
 }
 
-// The same of a number whose exponent field is 0; others are normal as they are.
-template <class Real> Bits<Real> normalised(const Bits<Real> &bits) {
-    return exponent_field(bits) != 0 ? bits : magnified(bits);
+// Calls take with these bits if a number's exponent field is 0, else with its own, which are
+// normal as they are. Two calls: bits from either place would be passed through memory.
+template <class Real, class Take> auto with_normalised(const Bits<Real> &bits, Take take) {
+    if (exponent_field(bits) == 0) return take(magnified(bits));
+    return take(bits);
 }
 
 // ---- Exponents from the caller ------------------------------------------------------
