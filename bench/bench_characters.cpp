@@ -221,7 +221,9 @@ void compete(Table &table, const Row &row, std::int32_t length) {
                          to = results[contestant]] { peer(string, other, length, number, k, to); });
     };
     const auto agrees = [&](Contestant peer) {
-        return std::memcmp(results[Ours], results[peer], static_cast<std::size_t>(k)) == 0;
+        const void *answer = results[peer];
+        if (row.answer == Answer::Trimmed) answer = *static_cast<void **>(results[peer]);
+        return std::memcmp(results[Ours], answer, static_cast<std::size_t>(k)) == 0;
     };
     const Job job{operands.string, &list, results[Ours]};
     run(table, {row.name,

@@ -1,321 +1,302 @@
-// Clocks and dates, by a platform that this program supplies: the library calls these functions
-// by name. Unless a time is fixed they are the C library's.
-#include "support.h"
+// Clocks and dates on a platform that this program supplies: the library calls these functions
+// by name, as it does its own clock for CPU_TIME.
+#include "guarded.h"
 
-#include <algorithm>
 #include <cmath>
-#include <ctime>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <sys/time.h>
 #include <sys/timeb.h>
 #include <sys/times.h>
+#include <unistd.h>
+#include <x86intrin.h>
 
-using namespace test;
+static struct {
+    std::time_t date, seconds; // of time, and of the finer clocks
+    int microseconds, milliseconds, minutes_west, ticks;
+    tms used;
+    clock_t elapsed;
+    int failing_clock; // which call of clock fails, from 1
+    bool no_local_time;
+} platform;
+static timeval (*told_time)();             // by gettimeofday
+static const double *told_clock;           // by QUILLf90_dclock
+static std::string journal;                // initials of what was called
+static std::vector<std::uint64_t> counter; // of the processor, when the time was told
 
-namespace {
-
-struct Platform {
-    bool fixed = false;
-    std::time_t seconds = 0;
-    int microseconds = 0, milliseconds = 0, minutes_west = 0;
-    int failing_clock = 0; // the number of the call of clock that fails
-    bool no_local_time = false;
-    tms used = {};
-    clock_t elapsed = 0;
-};
-Platform platform;
-int clock_calls, gettimeofday_calls;
-
-template <class Function> Function *c_library(const char *name) {
-    return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
+template <class Function, class... T> static auto genuine(const char *name, T... arguments) {
+    return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name))(arguments...);
 }
-
-} // namespace
-
 extern "C" {
-
 clock_t clock() noexcept {
-    if (!platform.fixed) return c_library<clock_t()>("clock")();
-    return ++clock_calls == platform.failing_clock ? -1 : 7;
+    journal += "c";
+    const bool fails = std::ranges::count(journal, 'c') == platform.failing_clock;
+    return !fails ? 0 : platform.failing_clock == 1 ? -1 : INT32_MIN;
 }
 int gettimeofday(timeval *now, void *zone) noexcept {
-    ++gettimeofday_calls;
-    if (!platform.fixed) return c_library<int(timeval *, void *)>("gettimeofday")(now, zone);
-    *now = {platform.seconds, platform.microseconds};
-    return 0;
+    if (told_time == nullptr) return genuine<int(timeval *, void *)>("gettimeofday", now, zone);
+    return *now = told_time(), 0;
 }
 std::time_t time(std::time_t *now) noexcept {
-    if (!platform.fixed) return c_library<std::time_t(std::time_t *)>("time")(now);
-    if (now != nullptr) *now = platform.seconds;
-    return platform.seconds;
+    journal += "t";
+    return now == nullptr ? platform.date : *now = platform.date;
 }
-std::tm *localtime(const std::time_t *seconds) noexcept {
+std::tm *localtime(const std::time_t *date) noexcept {
+    journal += "l";
     if (platform.no_local_time) return nullptr;
-    return c_library<std::tm *(const std::time_t *)>("localtime")(seconds);
+    return genuine<std::tm *(const std::time_t *)>("localtime", date);
 }
 int ftime(timeb *now) {
-    *now = {platform.seconds, static_cast<unsigned short>(platform.milliseconds),
-            static_cast<short>(platform.minutes_west), 1};
-    return 0;
+    journal += "f";
+    now->time = platform.seconds, now->millitm = platform.milliseconds;
+    return now->timezone = platform.minutes_west, now->dstflag = 1, 0;
 }
-clock_t times(tms *used) noexcept {
-    *used = platform.used;
-    return platform.elapsed;
+clock_t times(tms *used) noexcept { return *used = platform.used, platform.elapsed; }
+long sysconf(int name) noexcept {
+    return name == _SC_CLK_TCK ? platform.ticks : genuine<long(int)>("sysconf", name);
 }
-
-} // extern "C"
+double QUILLf90_dclock() { return told_clock ? *told_clock : genuine<double()>("QUILLf90_dclock"); }
+}
 
 namespace {
 
-struct FixedPlatform {
-    explicit FixedPlatform(const Platform &fixed) {
-        platform = fixed;
-        platform.fixed = true;
-        clock_calls = 0;
-    }
-    ~FixedPlatform() { platform = Platform(); }
-};
-
-std::uintptr_t address(const void *at) { return reinterpret_cast<std::uintptr_t>(at); }
-
-// ---- SYSTEM_CLOCK and mclock_ -------------------------------------------------
-
-template <class Integer>
-void expect_counts(f90_Intrinsic *member, std::int64_t count, Integer rate, int failing) {
-    constexpr Integer untouched = 0x5A, greatest = std::numeric_limits<Integer>::max();
-    const auto wrapped = static_cast<Integer>(count & greatest);
-    const Integer right[] = {failing ? static_cast<Integer>(-greatest) : wrapped,
-                             failing ? Integer{0} : rate, failing ? Integer{0} : greatest};
-    for (int present = 0; present < 8; ++present) {
-        Integer answers[] = {untouched, untouched, untouched, untouched};
+using namespace test;
+template <class T>
+void expect_counts(f90_Intrinsic *member, const char *calls, std::int64_t count, int rate) {
+    const bool fails = platform.failing_clock != 0;
+    const std::int64_t most = greatest<T>, no = 0;
+    const std::array right = {fails ? -most : count & most, fails ? no : rate, fails ? no : most};
+    for (int presence = 0; presence < 16; ++presence) {
+        std::array<std::byte, 48> storage = {}, expected = {};
         Call call;
-        for (int i = 0; i < 3; ++i) call.slot(i, address(&answers[i]), (present >> i & 1) != 0);
-        clock_calls = 0;
-        call(member);
-        EXPECT_EQ(clock_calls, 1);
-        EXPECT_EQ(answers[3], untouched);
-        for (int i = 0; i < 3; ++i) EXPECT_EQ(answers[i], present >> i & 1 ? right[i] : untouched);
-    }
-}
-
-TEST(SystemClock, CountsInThreeWidths) {
-    const std::array<int, 3> readings[] = {{0, 0, 0},
-                                           {1, 99, 999},
-                                           {1, 100, 1},
-                                           {1700000000, 999999, 999},
-                                           {214748, 364799, 32},
-                                           {214748, 364800, 0},
-                                           {32, 767000, 768},
-                                           {INT32_MAX, 123456, 5},
-                                           {-1, 999999, 999},
-                                           {INT32_MIN, 1, 1}};
-    for (const auto &[seconds, microseconds, milliseconds] : readings)
-        for (const int failing : {0, 1}) {
-            const FixedPlatform fixed({.seconds = seconds,
-                                       .microseconds = microseconds,
-                                       .milliseconds = milliseconds,
-                                       .failing_clock = failing});
-            const std::int64_t s = seconds;
-            expect_counts<std::int16_t>(f90_sysclock2, s * 1000 + milliseconds, 1000, failing);
-            expect_counts<std::int32_t>(f90_sysclock, s * 10000 + microseconds / 100, 10000,
-                                        failing);
-            expect_counts<std::int64_t>(f90_sysclock8, s * 1000000 + microseconds, 1000000,
-                                        failing);
+        for (int i = 0; i < 3; ++i) { // what is absent is not there
+            const bool present = (presence >> i & 1) != 0;
+            if (present) write(&expected[12 * i + 4], T(right[i]));
+            call.slot(i, present ? std::uintptr_t(&storage[12 * i + 4]) : 8);
         }
-}
-
-TEST(Mclock, CountsUserTimeAndChildren) {
-    const std::pair<Platform, int> cases[] = {
-        {{.used = {12, 1000, 30, 4}, .elapsed = 9}, 460},
-        {{.used = {1, 1, 1, 1}, .elapsed = -1}, -1},
-        {{.used = {2147483, 0, 1, 0}, .elapsed = 1}, -21474832}, // wraps before it is divided
-        {{.used = {-1, 0, 0, 0}, .elapsed = 1}, -10}};
-    ASSERT_EQ(sysconf(_SC_CLK_TCK), 100);
-    for (const auto &[given, milliseconds] : cases) {
-        const FixedPlatform fixed(given);
-        EXPECT_EQ(mclock_(), milliseconds);
+        call.list.Presence = presence;
+        journal = "";
+        call(member);
+        EXPECT_EQ(journal, calls);
+        EXPECT_EQ(storage, expected) << "presence " << presence;
     }
 }
 
-// ---- The processor's clock ----------------------------------------------------
-
-double monotonic() {
-    timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return double(now.tv_sec) + 1e-9 * double(now.tv_nsec);
+TEST(Clocks, CountInTheirUnits) {
+    Random random(random_seed());
+    const auto any = [&](std::vector<int> values) { // half of the time one of these
+        return coin(random) ? values[pick(random, 0, values.size() - 1)] : int(random());
+    };
+    told_time = [] {
+        journal += "g";
+        return timeval{platform.seconds, platform.microseconds};
+    };
+    for (int i = 0; i < random_rounds(1000) && !HasFailure(); ++i) {
+        const std::int64_t s = any({0, 1, -1, 32, 214748, 1700000000, INT32_MAX, INT32_MIN});
+        const int us = std::abs(any({0, 99, 100, 364799, 364800, 999999}) % 1000000);
+        const int ms = std::abs(any({0, 1, 767, 768, 999}) % 1000), ticks = any({1, 100}) & 1023;
+        const tms used = {any({12}), any({1000}), any({30}), any({4})};
+        const clock_t elapsed = any({-1, -2});
+        platform = {0, std::time_t(s), us, ms, 0, ticks + 1, used, elapsed, coin(random), false};
+        expect_counts<std::int16_t>(f90_sysclock2, "fc", s * 1000 + ms, 1000);
+        expect_counts<std::int32_t>(f90_sysclock, "gc", s * 10000 + us / 100, 10000);
+        expect_counts<std::int64_t>(f90_sysclock8, "gc", s * 1000000 + us, 1000000);
+        const auto sum = std::int64_t{used.tms_utime} + used.tms_cutime + used.tms_cstime;
+        EXPECT_EQ(mclock_(), elapsed == -1 ? -1 : std::int32_t(sum * 1000) / (ticks + 1));
+    }
+    told_time = nullptr;
 }
 
-template <class T, class Element> void expect_time_between(void (*cputime)(Element *)) {
-    std::array<std::byte, sizeof(T) + 8> storage, before;
-    storage.fill(std::byte{0xA5});
-    before = storage;
-    const double earlier = QUILLf90_dclock();
-    cputime(reinterpret_cast<Element *>(storage.data() + 4));
-    const double later = QUILLf90_dclock();
-    const auto time = read<T>(storage.data() + 4);
-    EXPECT_TRUE(time >= static_cast<T>(earlier) && time <= static_cast<T>(later)) << sizeof(T);
-    EXPECT_TRUE(static_cast<double>(time) == static_cast<double>(time)) << sizeof(T);
-    std::copy_n(before.data() + 4, used_bytes<T>, storage.data() + 4);
-    EXPECT_TRUE(storage == before) << sizeof(T);
-}
-
-TEST(ProcessorClock, MeasuresItselfOnceAndRunsOn) {
-    const double start = monotonic();
+// Reading the time seems to take 0.9 s, and the passes 0, 0.015, 0.03 s and so on.
+void measure_by_a_told_time() {
+    counter.reserve(99);
+    told_time = [] {
+        const int pass = counter.size() / 3;
+        const int us = std::array{0, 900000, 1800000 + 15000 * pass}[counter.size() % 3];
+        counter.push_back(__rdtsc());
+        return timeval{100 * pass + us / 1000000, us % 1000000};
+    };
     QUILLf90_dclock();
-    EXPECT_GE(monotonic() - start, 0.05);
-    const int calls = gettimeofday_calls;
-    EXPECT_GE(calls, 3);
-    const double before = QUILLf90_dclock(), from = monotonic();
-    while (monotonic() < from + 0.1) EXPECT_LE(before, QUILLf90_dclock());
-    EXPECT_NEAR((QUILLf90_dclock() - before) / (monotonic() - from), 1.0, 0.1);
-    EXPECT_EQ(gettimeofday_calls, calls) << "only the first call looks at another clock";
-    expect_time_between<float>(f90_cputime4);
-    expect_time_between<double>(f90_cputime8);
-    expect_time_between<long double>(f90_cputime10);
-    expect_time_between<__float128>(f90_cputime16);
+    ASSERT_EQ(counter.size(), 15U);
+    const auto ticks = [](int pass) {
+        return double(counter[3 * pass + 2] - counter[3 * pass + 1]);
+    };
+    const double span = ticks(4);
+    EXPECT_GT(span, 0.4 * 16e6); // each of the increments goes through memory
+    EXPECT_GT(span, 4 * std::min({ticks(0), ticks(1), ticks(2) / 2}));
+    const double from = __rdtsc(), time = QUILLf90_dclock(), to = __rdtsc();
+    EXPECT_GE(time, 0.06 / span * from * 0.9999);
+    EXPECT_LE(time, 0.06 / span * to * 1.01);
 }
 
-// ---- DATE_AND_TIME --------------------------------------------------------------
-
-f90_Intrinsic *const forms[] = {f90_dateandtime2, f90_dateandtime, f90_dateandtime8};
-constexpr int bytes_of_form[] = {2, 4, 8};
-
-// 2001-02-03 04:05:06.007 in a zone that the process has by TZ and ftime tells or does not.
-struct InZone {
-    FixedPlatform fixed;
-    InZone(const char *zone, int minutes_west, int failing_clock = 0, bool no_local_time = false)
-        : fixed({.seconds = 981173106,
-                 .milliseconds = 7,
-                 .minutes_west = minutes_west,
-                 .failing_clock = failing_clock,
-                 .no_local_time = no_local_time}) {
-        setenv("TZ", zone, 1);
+void measure_by_the_machine() {
+    static timeval now; // as it was told last
+    told_time = [] {
+        counter.push_back(__rdtsc());
+        return genuine<int(timeval *, void *)>("gettimeofday", &now, nullptr), now;
+    };
+    const auto seconds = [] { return told_time(), double(now.tv_sec) + 1e-6 * now.tv_usec; };
+    const double start = seconds();
+    QUILLf90_dclock();
+    EXPECT_EQ(counter.size() % 3, 1U);
+    const double since = seconds(), first = QUILLf90_dclock();
+    EXPECT_GE(since - start, 0.05);
+    double last = first, passed = 0;
+    for (; passed < 0.05; passed = seconds() - since) {
+        counter.clear();
+        EXPECT_LE(std::exchange(last, QUILLf90_dclock()), last);
+        EXPECT_TRUE(counter.empty()) << "readings of a clock after the first call";
     }
+    EXPECT_NEAR(QUILLf90_dclock() - first, passed, 0.25 * passed);
+}
+
+TEST(Clocks, MeasureTheProcessor) {
+    for (const auto process : {measure_by_a_told_time, measure_by_the_machine})
+        EXPECT_EQ(in_child(process).out, "");
+}
+
+template <class Element> void expect_cpu_time(void (*cputime)(Element *)) {
+    using T = std::conditional_t<sizeof(Element) == 16, __float128, Element>;
+    const double most = std::numeric_limits<float>::max();
+    alignas(16) std::array<std::byte, 24> storage = {}, right = {};
+    for (const double told : {0.1, 1e9 / 3, 0x1.000001p0, 5e-324, -1e300, most, 1e300,
+                              std::nextafter(most, 1e300), HUGE_VAL, std::nan("")}) {
+        told_clock = &told;
+        cputime(reinterpret_cast<Element *>(&storage[4]));
+        write(&right[4], T(told > most ? most : told));
+        EXPECT_EQ(storage, right) << sizeof(T) << " bytes, " << told;
+    }
+    told_clock = nullptr;
+}
+
+TEST(Clocks, TellCpuTime) {
+    expect_cpu_time(f90_cputime4);
+    expect_cpu_time(f90_cputime8);
+    expect_cpu_time(f90_cputime10);
+    expect_cpu_time(f90_cputime16);
+}
+
+// Three strings of up to 20 bytes, before an inaccessible page, that a child writes too.
+struct Strings : Guarded {
+    Strings() : Guarded(60) {
+        const int shared = MAP_SHARED | MAP_ANONYMOUS | MAP_FIXED;
+        mmap(begin(), size, PROT_READ | PROT_WRITE, shared, -1, 0);
+    }
+    char *at(int i) const { return reinterpret_cast<char *>(end() - 60 + 20 * i); }
 };
 
-// The strings that a call leaves, each in a field of '.', between brackets.
-std::string texts(const std::array<int, 3> &lengths, int present, bool checked,
-                  f90_Intrinsic *form) {
-    std::string fields(3 * 20, '.');
+Call with_strings(const Strings &strings, const std::array<int, 3> &lengths) {
+    std::memset(strings.at(0), '.', 60);
     Call call;
+    for (int i = 0; i < 3; ++i) call.slot(i, std::uintptr_t(strings.at(i)));
+    call.list.Result.Word1 = lengths[0], call.list.Arg1.Word1 = lengths[1];
+    return call.list.Arg2.Word1 = lengths[2], call;
+}
+
+// What a date that the platform is set to reads in full.
+struct Reading {
+    std::array<std::string, 3> texts;
+    std::array<int, 8> values;
+};
+
+Reading set_platform(Random &random, bool time_is_wanted) {
+    const std::pair<const char *, int> zones[] = {
+        {"UTC", 0}, {"XYZ5", 300}, {"ABC-5:30", -330}, {"XYZ0:30", 30}};
+    const auto &[zone, of_zone] = zones[pick(random, 0, 3)];
+    const int wests[] = {0, 0, 300, -330, -30, 599, 600, INT16_MAX, INT16_MIN, int(random())};
+    const int told = std::int16_t(wests[pick(random, 0, 9)]), west = told != 0 ? told : of_zone;
+    const int ms = std::array{0, 7, 45, 999, time_is_wanted ? 100 : 65535}[pick(random, 0, 4)];
+    const std::time_t date = pick(random, -2100000000, 2100000000), local = date - 60 * of_zone;
+    platform = {date, 5, 0, ms, told, 0, {}, 0, pick(random, 0, 6), pick(random, 0, 7) == 0};
+    setenv("TZ", zone, 1);
+    const std::tm tm = *std::gmtime(&local);
+    char text[20];
+    std::strftime(text, sizeof text, "%Y%m%d%H%M%S.", &tm);
+    const auto two = [](int n) { return (n < 10 ? "0" : "") + std::to_string(n).substr(0, 2); };
+    return {{std::string(text, 8), text + 8 + std::to_string(1000 + ms).substr(1),
+             (west > 0 ? "-" : "+") + two(std::abs(west / 60)) + two(std::abs(west % 60))},
+            {tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, -west, tm.tm_hour, tm.tm_min, tm.tm_sec,
+             ms}};
+}
+
+void try_date(Random &random, const Strings &strings) {
+    const int presence = random(), size = 2 << pick(random, 0, 2);
+    const auto &[texts, values] = set_platform(random, presence & 2);
+    const bool checked = coin(random), misused = checked && pick(random, 0, 4) == 0;
+    int clocks = 0;
+    const auto fails = [&] { return ++clocks == platform.failing_clock || platform.no_local_time; };
+    std::string message;
+    const auto misuse = [&](bool is, const auto &...parts) {
+        if (is && checked && message.empty()) message = (" Argument " + ... + std::string(parts));
+    };
+    const std::string of = " of the intrinsic function DATEANDTIME ";
+    std::array<int, 3> lengths = {}, least = {8, 10, 5};
+    std::string fields(60, '.');
     for (int i = 0; i < 3; ++i) {
-        f90_Slot *const slots[] = {&call.list.Result, &call.list.Arg1, &call.list.Arg2};
-        call.slot(i, address(&fields[20 * i]), (present >> i & 1) != 0);
-        slots[i]->Word1 = lengths[i];
+        lengths[i] = pick(random, checked ? least[i] - misused : 0, 13);
+        if ((presence >> i & 1) == 0) continue;
+        misuse(lengths[i] < least[i], std::to_string(i + 1), of, "has string length ",
+               std::to_string(lengths[i]), ".\n It should have string length at least ",
+               std::to_string(least[i]), ".\n");
+        if (!message.empty()) break;
+        std::string text = fails() ? "" : texts[i].substr(0, lengths[i]);
+        text.resize(lengths[i], ' ');
+        fields.replace(20 * i, lengths[i], text);
     }
-    call.list.Flags = checked;
-    call(form);
-    std::string text;
-    for (int i = 0; i < 3; ++i)
-        text += '[' + fields.substr(20 * i, std::max(lengths[i], 0) + 1) + ']';
-    return text;
-}
-
-TEST(DateAndTime, WritesItsStrings) {
-    struct Case {
-        const char *zone;
-        int minutes_west, failing_clock, present;
-        std::array<int, 3> lengths;
-        bool checked;
-        const char *right;
-    };
-    const Case cases[] = {
-        {"UTC", 0, 0, 7, {8, 10, 5}, true, "[20010203.][040506.007.][+0000.]"},
-        {"UTC", 0, 0, 7, {12, 11, 8}, true, "[20010203    .][040506.007 .][+0000   .]"},
-        {"UTC", 300, 0, 7, {8, 10, 5}, true, "[20010203.][040506.007.][-0500.]"},
-        {"UTC", -330, 0, 7, {8, 10, 5}, true, "[20010203.][040506.007.][+0530.]"},
-        {"UTC", 32767, 0, 4, {8, 10, 5}, true, "[.........][...........][-5407.]"},
-        {"XYZ5", 0, 0, 7, {8, 10, 5}, true, "[20010202.][230506.007.][-0500.]"},
-        {"XYZ5", 60, 0, 7, {8, 10, 5}, true, "[20010202.][230506.007.][-0100.]"},
-        {"ABC-5:30", 0, 0, 7, {8, 10, 5}, true, "[20010203.][093506.007.][+0530.]"},
-        {"UTC", 0, 0, 0, {8, 10, 5}, true, "[.........][...........][......]"},
-        {"UTC", 0, 0, 2, {1, 10, 1}, true, "[..][040506.007.][..]"},
-        {"UTC", 0, 1, 7, {9, 10, 5}, true, "[         .][040506.007.][+0000.]"},
-        {"UTC", 0, 2, 7, {8, 11, 5}, true, "[20010203.][           .][+0000.]"},
-        {"UTC", 0, 3, 7, {8, 10, 6}, true, "[20010203.][040506.007.][      .]"},
-        {"UTC", 300, 0, 7, {3, 8, 2}, false, "[200.][040506.0.][-0.]"},
-        {"UTC", 0, 0, 7, {0, 0, 0}, false, "[.][.][.]"}};
-    for (const Case &c : cases)
-        for (f90_Intrinsic *form : forms) {
-            const InZone zone(c.zone, c.minutes_west, c.failing_clock);
-            EXPECT_EQ(texts(c.lengths, c.present, c.checked, form), c.right) << c.zone;
-        }
-    const InZone nowhere("UTC", 0, 0, true);
-    EXPECT_EQ(texts({8, 10, 5}, 7, true, f90_dateandtime), "[        .][          .][     .]");
-}
-
-template <class Integer> void expect_values(Random &random, f90_Intrinsic *form) {
-    for (const int failing : {0, 0, 1}) {
-        const InZone zone("XYZ3:30", coin(random) ? 0 : 210, failing);
-        Array values = make_array(random, {pick(random, 8, 11)}, sizeof(Integer), coin(random),
-                                  coin(random) ? std::min<int>(sizeof(Integer), 4) : 0, 8);
-        auto right = values.storage;
-        const int local[] = {2001, 2, 3, -210, 0, 35, 6, 7};
-        for (std::size_t i = 0; i < (failing ? values.size() : 8); ++i)
-            write(&right[values.offsets[i]],
-                  failing ? static_cast<Integer>(-std::numeric_limits<Integer>::max())
-                          : Integer(local[i]));
-        Call().array(3, values.descriptor).checked()(form);
-        EXPECT_TRUE(values.storage == right) << sizeof(Integer) << " bytes, " << failing;
+    const bool wanted = presence & 8, none = wanted && fails();
+    const int least_extent = none && !checked ? -1 : misused ? 4 * pick(random, -1, 2) : 8;
+    const int extent = pick(random, least_extent, 11);
+    const int rank = checked && !misused ? 1 : pick(random, 0, 7);
+    misuse(wanted && extent < 8, "4", of, "is an array with ", std::to_string(extent),
+           " elements.\n It should be an array with at least 8 elements.\n");
+    misuse(wanted && rank != 1, "4", of, "is a rank ", std::to_string(rank),
+           " array.\n It should be a rank 1 array.\n");
+    Array array = make_array(random, {11}, size, coin(random), std::min(size, 4), 8);
+    auto stored = array.storage;
+    for (int i = 0; wanted && message.empty() && i < (none ? extent : 8); ++i) {
+        const std::int64_t value = none ? -(INT64_MAX >> (64 - 8 * size)) : values[i];
+        std::memcpy(&stored[array.offsets[i]], &value, size);
     }
+
+    f90_ArrDesc &d = array.descriptor;
+    if (coin(random)) std::swap(d.SCALEFACTOR, d.Dim[0].Stride);
+    d.Dim[0].Upper -= 11 - extent, d.ELSIZE = random(), d.EXTENT = random(), d.RANK = rank;
+    Call call = with_strings(strings, lengths).array(3, d);
+    call.list.Presence = presence, call.list.Flags = (random() & ~1U) | checked;
+    f90_Intrinsic *const forms[] = {f90_dateandtime2, f90_dateandtime, f90_dateandtime8};
+    const auto ask = [&] { call(forms[size / 4]); };
+    journal = "";
+    if (message.empty()) {
+        ask();
+        EXPECT_TRUE(platform.no_local_time || journal == "tlf" + std::string(clocks, 'c'))
+            << journal;
+    } else {
+        EXPECT_EQ(fatal_message(ask), report("DATEANDTIME", message));
+    }
+    EXPECT_EQ(std::string(strings.at(0), 60), fields);
+    EXPECT_TRUE(array.storage == stored) << size << " bytes";
 }
 
-TEST(DateAndTime, FillsValues) {
+TEST(DateAndTime, AgreesWithModel) {
     Random random(random_seed());
-    for (int i = 0; i < random_rounds(50); ++i) {
-        expect_values<std::int16_t>(random, f90_dateandtime2);
-        expect_values<std::int32_t>(random, f90_dateandtime);
-        expect_values<std::int64_t>(random, f90_dateandtime8);
+    const Strings strings;
+    for (int i = 0; i < random_rounds(1500) && !HasFailure(); ++i) try_date(random, strings);
+}
+
+TEST(DateAndTime, TellsTheZone) {
+    const Strings strings;
+    const std::tuple<const char *, int, const char *> cases[] = {
+        {"UTC", 0, "20010203............040506.007..........+0000..............."},
+        {"UTC", -330, "20010203............040506.007..........+0530..............."},
+        {"XYZ5XDT,0/0,J365/25", 0, "20010203............000506.007..........-0500..............."}};
+    for (const auto &[zone, west, right] : cases) {
+        platform = {981173106, 5, 0, 7, west, 0, {}, 0, 0, false};
+        setenv("TZ", zone, 1);
+        with_strings(strings, {8, 10, 5})(f90_dateandtime);
+        EXPECT_EQ(std::string(strings.at(0), 60), right) << zone;
     }
-}
-
-std::string too_short(int argument, int length, int least) {
-    return " Argument " + std::to_string(argument) +
-           " of the intrinsic function DATEANDTIME has string length " + std::to_string(length) +
-           ".\n It should have string length at least " + std::to_string(least) + ".\n";
-}
-
-TEST(DateAndTime, ReportsMisuseOneArgumentAfterTheOther) {
-    const std::string array = " Argument 4 of the intrinsic function DATEANDTIME is a";
-    struct Case {
-        std::array<int, 3> lengths;
-        Shape shape;
-        std::string message, date;
-    };
-    const Case cases[] = {
-        {{7, 9, 4}, {7}, too_short(1, 7, 8), "..."},
-        {{8, 9, 4}, {7}, too_short(2, 9, 10), "200"},
-        {{8, 10, 0}, {7}, too_short(3, 0, 5), "200"},
-        {{8, 10, -1},
-         {7},
-         array + "n array with 7 elements.\n It should be an array with at least 8 elements.\n",
-         "200"},
-        {{8, 10, 5},
-         {0, 9},
-         array + "n array with 0 elements.\n It should be an array with at least 8 elements.\n",
-         "200"},
-        {{8, 10, 5}, {8, 1}, array + " rank 2 array.\n It should be a rank 1 array.\n", "200"}};
-    auto *shared = static_cast<char *>(
-        mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
-    for (const Case &c : cases)
-        for (int f = 0; f < 3; ++f) {
-            const InZone zone("UTC", 0);
-            std::memset(shared, '.', 128);
-            f90_ArrDesc values = shaped(c.shape, bytes_of_form[f]);
-            Call call = Call()
-                            .slot(0, address(shared))
-                            .slot(1, address(shared + 32))
-                            .slot(2, address(shared + 64));
-            call.array(3, values).checked();
-            call.list.Result.Word1 = c.lengths[0];
-            call.list.Arg1.Word1 = c.lengths[1];
-            call.list.Arg2.Word1 = c.lengths[2] < 0 ? 5 : c.lengths[2];
-            EXPECT_EQ(fatal_message([&] { call(forms[f]); }), report("DATEANDTIME", c.message));
-            EXPECT_EQ(std::string(shared, 3), c.date);
-        }
-    munmap(shared, 4096);
+    Call call = with_strings(strings, {8, 10, -1}).checked(); // ends nowhere, but is not too short
+    EXPECT_EQ(in_child([&] { call(f90_dateandtime); }).err.find("DATEANDTIME"), std::string::npos);
 }
 
 } // namespace
