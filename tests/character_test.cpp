@@ -96,6 +96,17 @@ static void try_calls(Random &random, const String &string, const String &other)
     try_make(random, f90_repeat, list, made.substr(2 * n + end));
 }
 
+// One letter among blanks, wherever the vectors of a search begin and end.
+TEST(Character, FindsALetterAmongBlanks) {
+    Random random(random_seed());
+    for (int n = 1; n <= 150 && !HasFatalFailure(); ++n)
+        for (const int place : {0, n - 1, pick(random, 0, n - 1)}) {
+            String string(n, ' ');
+            string[place] = 'x';
+            try_calls(random, string, string.substr(place, pick(random, 1, 2)));
+        }
+}
+
 // Every length to 40, and with it in turn every number to two more; and longer strings.
 TEST(Character, AgreesWithModelAndFortran) {
     Random random(random_seed());
